@@ -1,5 +1,7 @@
 #include "module/qorclass.h"
 
+#include "acdb.h"
+
 AcRxClass* qorLookUpDesc(AcRxClass*& desc, const ACHAR* name)
 {
     if (!desc) desc = AcRxClass::cast(acrxClassDictionary()->at(name));

@@ -39,16 +39,30 @@ public:
     virtual Acad::ErrorStatus getSecondDeriv(const AcGePoint3d& p, AcGeVector3d& d) const;
     virtual Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, AcGePoint3d& onCurve,
                                                 bool extend = false) const;
-    virtual Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, const AcGeVector3d& direction,
-                                                AcGePoint3d& onCurve, bool extend = false) const;
+    virtual Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given,
+                                                const AcGeVector3d& direction, AcGePoint3d& onCurve,
+                                                bool extend = false) const;
     // New curves owned by the caller.
-    virtual Acad::ErrorStatus getOffsetCurves(double offsetDist, AcDbVoidPtrArray& offsetCurves) const;
-    virtual Acad::ErrorStatus getSplitCurves(const AcGeDoubleArray& params, AcDbVoidPtrArray& curves) const;
-    virtual Acad::ErrorStatus getSplitCurves(const AcGePoint3dArray& points, AcDbVoidPtrArray& curves) const;
+    virtual Acad::ErrorStatus getOffsetCurves(double offsetDist,
+                                              AcDbVoidPtrArray& offsetCurves) const;
+    virtual Acad::ErrorStatus getSplitCurves(const AcGeDoubleArray& params,
+                                             AcDbVoidPtrArray& curves) const;
+    virtual Acad::ErrorStatus getSplitCurves(const AcGePoint3dArray& points,
+                                             AcDbVoidPtrArray& curves) const;
     virtual Acad::ErrorStatus extend(double newParam);
     virtual Acad::ErrorStatus extend(bool extendStart, const AcGePoint3d& toPoint);
     virtual Acad::ErrorStatus getArea(double& area) const;
     virtual Acad::ErrorStatus reverseCurve();
+
+    // Extents and intersections work for every pair of the platform's curves.
+    Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
+    Acad::ErrorStatus subIntersectWith(const AcDbEntity* ent, AcDb::Intersect intType,
+                                       AcGePoint3dArray& points, Adesk::GsMarker thisGsMarker,
+                                       Adesk::GsMarker otherGsMarker) const override;
+    Acad::ErrorStatus subIntersectWith(const AcDbEntity* ent, AcDb::Intersect intType,
+                                       const AcGePlane& projPlane, AcGePoint3dArray& points,
+                                       Adesk::GsMarker thisGsMarker,
+                                       Adesk::GsMarker otherGsMarker) const override;
 };
 
 class AcDbLine : public AcDbCurve {
@@ -66,6 +80,32 @@ public:
     AcGeVector3d normal() const;
     Acad::ErrorStatus setNormal(const AcGeVector3d& n);
 
+    Acad::ErrorStatus getOffsetCurves(double offsetDist,
+                                      AcDbVoidPtrArray& offsetCurves) const override;
+    Acad::ErrorStatus extend(double newParam) override;
+    using AcDbCurve::extend;
+    Acad::ErrorStatus getArea(double& area) const override;
+    Acad::ErrorStatus reverseCurve() override;
+
+    Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+    Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
+    Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
+    void subList() const override;
+    Adesk::Boolean subWorldDraw(AcGiWorldDraw* wd) override;
+    Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& grips, AcDbIntArray& osnapModes,
+                                       AcDbIntArray& geomIds) const override;
+    Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices,
+                                          const AcGeVector3d& offset) override;
+    Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode mode, Adesk::GsMarker gsMarker,
+                                        const AcGePoint3d& pickPoint, const AcGePoint3d& lastPoint,
+                                        const AcGeMatrix3d& viewXform, AcGePoint3dArray& snapPoints,
+                                        AcDbIntArray& geomIds) const override;
+    Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& xform) override;
+    Acad::ErrorStatus subGetStretchPoints(AcGePoint3dArray& pts) const override;
+    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices,
+                                             const AcGeVector3d& offset) override;
+
 private:
     AcGePoint3d mStart, mEnd;
     AcGeVector3d mNormal{0, 0, 1};
@@ -78,7 +118,8 @@ public:
     ACRX_DECLARE_MEMBERS(AcDbArc);
     AcDbArc() = default;
     AcDbArc(const AcGePoint3d& center, double radius, double startAngle, double endAngle);
-    AcDbArc(const AcGePoint3d& center, const AcGeVector3d& normal, double radius, double startAngle, double endAngle);
+    AcDbArc(const AcGePoint3d& center, const AcGeVector3d& normal, double radius, double startAngle,
+            double endAngle);
 
     AcGePoint3d center() const;
     Acad::ErrorStatus setCenter(const AcGePoint3d& c);
@@ -96,6 +137,29 @@ public:
     double thickness() const;
     Acad::ErrorStatus setThickness(double t);
 
+    Acad::ErrorStatus getOffsetCurves(double offsetDist,
+                                      AcDbVoidPtrArray& offsetCurves) const override;
+    Acad::ErrorStatus extend(double newParam) override;
+    using AcDbCurve::extend;
+    Acad::ErrorStatus getArea(double& area) const override;
+    Acad::ErrorStatus reverseCurve() override;
+
+    Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+    Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
+    Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
+    void subList() const override;
+    Adesk::Boolean subWorldDraw(AcGiWorldDraw* wd) override;
+    Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& grips, AcDbIntArray& osnapModes,
+                                       AcDbIntArray& geomIds) const override;
+    Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices,
+                                          const AcGeVector3d& offset) override;
+    Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode mode, Adesk::GsMarker gsMarker,
+                                        const AcGePoint3d& pickPoint, const AcGePoint3d& lastPoint,
+                                        const AcGeMatrix3d& viewXform, AcGePoint3dArray& snapPoints,
+                                        AcDbIntArray& geomIds) const override;
+    Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& xform) override;
+
 private:
     AcGePoint3d mCenter;
     AcGeVector3d mNormal{0, 0, 1};
@@ -108,9 +172,7 @@ public:
     ACRX_DECLARE_MEMBERS(AcDbCircle);
     AcDbCircle() = default;
     AcDbCircle(const AcGePoint3d& center, const AcGeVector3d& normal, double radius)
-        : mCenter(center), mNormal(normal), mRadius(radius)
-    {
-    }
+        : mCenter(center), mNormal(normal), mRadius(radius) {}
 
     AcGePoint3d center() const;
     Acad::ErrorStatus setCenter(const AcGePoint3d& c);
@@ -122,6 +184,31 @@ public:
     Acad::ErrorStatus setNormal(const AcGeVector3d& n);
     double thickness() const;
     Acad::ErrorStatus setThickness(double t);
+    bool isClosed() const override { return true; }
+    bool isPeriodic() const override { return true; }
+
+    Acad::ErrorStatus getOffsetCurves(double offsetDist,
+                                      AcDbVoidPtrArray& offsetCurves) const override;
+    Acad::ErrorStatus extend(double newParam) override;
+    using AcDbCurve::extend;
+    Acad::ErrorStatus getArea(double& area) const override;
+    Acad::ErrorStatus reverseCurve() override;
+
+    Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+    Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
+    Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
+    void subList() const override;
+    Adesk::Boolean subWorldDraw(AcGiWorldDraw* wd) override;
+    Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& grips, AcDbIntArray& osnapModes,
+                                       AcDbIntArray& geomIds) const override;
+    Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices,
+                                          const AcGeVector3d& offset) override;
+    Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode mode, Adesk::GsMarker gsMarker,
+                                        const AcGePoint3d& pickPoint, const AcGePoint3d& lastPoint,
+                                        const AcGeMatrix3d& viewXform, AcGePoint3dArray& snapPoints,
+                                        AcDbIntArray& geomIds) const override;
+    Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& xform) override;
 
 private:
     AcGePoint3d mCenter;
@@ -177,7 +264,31 @@ public:
     Acad::ErrorStatus getLineSegAt(unsigned int index, AcGeLineSeg3d& seg) const;
     Acad::ErrorStatus getArcSegAt(unsigned int index, AcGeCircArc2d& arc) const;
     Acad::ErrorStatus getArcSegAt(unsigned int index, AcGeCircArc3d& arc) const;
+    // The polyline's parameter of pt when it lies on segment index.
     bool onSegAt(unsigned int index, const AcGePoint2d& pt, double& param) const;
+    unsigned int numSegments() const;
+
+    Acad::ErrorStatus extend(double newParam) override;
+    using AcDbCurve::extend;
+    Acad::ErrorStatus getArea(double& area) const override;
+    Acad::ErrorStatus reverseCurve() override;
+
+    Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+    Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
+    Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
+    void subList() const override;
+    Adesk::Boolean subWorldDraw(AcGiWorldDraw* wd) override;
+    Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& grips, AcDbIntArray& osnapModes,
+                                       AcDbIntArray& geomIds) const override;
+    Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices,
+                                          const AcGeVector3d& offset) override;
+    Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode mode, Adesk::GsMarker gsMarker,
+                                        const AcGePoint3d& pickPoint, const AcGePoint3d& lastPoint,
+                                        const AcGeMatrix3d& viewXform, AcGePoint3dArray& snapPoints,
+                                        AcDbIntArray& geomIds) const override;
+    Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& xform) override;
+    Acad::ErrorStatus subExplode(AcDbVoidPtrArray& entities) const override;
 
 private:
     struct Vertex {
@@ -232,6 +343,23 @@ public:
     bool isMirroredInY() const;
     Acad::ErrorStatus mirrorInY(bool on);
 
+    Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+    Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
+    Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
+    void subList() const override;
+    Adesk::Boolean subWorldDraw(AcGiWorldDraw* wd) override;
+    Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& grips, AcDbIntArray& osnapModes,
+                                       AcDbIntArray& geomIds) const override;
+    Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices,
+                                          const AcGeVector3d& offset) override;
+    Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode mode, Adesk::GsMarker gsMarker,
+                                        const AcGePoint3d& pickPoint, const AcGePoint3d& lastPoint,
+                                        const AcGeMatrix3d& viewXform, AcGePoint3dArray& snapPoints,
+                                        AcDbIntArray& geomIds) const override;
+    Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& xform) override;
+    Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
+
 private:
     AcGePoint3d mPosition, mAlignment;
     AcGeVector3d mNormal{0, 0, 1};
@@ -260,9 +388,29 @@ public:
     Acad::ErrorStatus setRotation(double a);
     AcGeVector3d normal() const;
     Acad::ErrorStatus setNormal(const AcGeVector3d& n);
-    // Block coordinates to world: the block's origin to the position, scaled, rotated, in the normal's plane.
+    // Block coordinates to world: the block's origin to the position, scaled, rotated, in the
+    // normal's plane.
     AcGeMatrix3d blockTransform() const;
     Acad::ErrorStatus setBlockTransform(const AcGeMatrix3d& m);
+
+    Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+    Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
+    Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
+    void subList() const override;
+    Adesk::Boolean subWorldDraw(AcGiWorldDraw* wd) override;
+    Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& grips, AcDbIntArray& osnapModes,
+                                       AcDbIntArray& geomIds) const override;
+    Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices,
+                                          const AcGeVector3d& offset) override;
+    Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode mode, Adesk::GsMarker gsMarker,
+                                        const AcGePoint3d& pickPoint, const AcGePoint3d& lastPoint,
+                                        const AcGeMatrix3d& viewXform, AcGePoint3dArray& snapPoints,
+                                        AcDbIntArray& geomIds) const override;
+    Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& xform) override;
+    Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
+    // Transformed copies of the block's entities, owned by the caller.
+    Acad::ErrorStatus subExplode(AcDbVoidPtrArray& entities) const override;
 
 private:
     AcDbObjectId mBlock;

@@ -117,6 +117,7 @@ public:
 private:
     friend class AcDbDatabase;
     friend struct AcDbObjectAccess;
+    friend Acad::ErrorStatus acdbOpenAcDbObject(AcDbObject*&, AcDbObjectId, AcDb::OpenMode, bool);
     AcDbObjectId mId;
     AcDbObjectId mOwner;
     AcDbObjectId mExtDict;

@@ -1,0 +1,92 @@
+// The qor program as users run it: exit codes, messages and listings.
+#include "dbents.h"
+#include "dbmain.h"
+#include "dbsymtb.h"
+#include "support/tempdir.h"
+#include "winstr.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+#include <sys/wait.h>
+
+namespace {
+
+struct Run {
+    int status = -1;
+    std::string out;
+};
+
+// Runs qor with the arguments; standard error is folded into the output.
+Run qor(const std::string& args)
+{
+    Run r;
+    const std::string cmd = std::string("QOR_MODULE='") + QOR_MODULE_PATH + "' '" + QOR_BIN_DIR + "/qor' " + args + " 2>&1";
+    FILE* p = popen(cmd.c_str(), "r");
+    if (!p) return r;
+    char buf[4096];
+    size_t n;
+    while ((n = fread(buf, 1, sizeof buf, p)) > 0) r.out.append(buf, n);
+    int status = pclose(p);
+    r.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return r;
+}
+
+TEST(QorCli, ClassesListsTheModuleClasses)
+{
+    Run r = qor("classes");
+    EXPECT_EQ(r.status, 0) << r.out;
+    EXPECT_NE(r.out.find("classes"), std::string::npos);
+    EXPECT_EQ(r.out.find("AcDbPolyline"), std::string::npos) << "platform classes are not the module's";
+}
+
+TEST(QorCli, ListPrintsEveryEntity)
+{
+    TempDir dir;
+    const std::wstring file = dir.file("site.qdb");
+    {
+        AcDbDatabase db;
+        AcDbBlockTableRecord* ms = nullptr;
+        ASSERT_EQ(acdbOpenObject(ms, db.modelSpaceId(), AcDb::kForWrite), Acad::eOk);
+        auto* line = new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(3, 4, 0));
+        ASSERT_EQ(ms->appendAcDbEntity(line), Acad::eOk);
+        line->close();
+        auto* text = new AcDbText(AcGePoint3d(0, 0, 0), L"规划道路", AcDbObjectId(), 2.5);
+        ASSERT_EQ(ms->appendAcDbEntity(text), Acad::eOk);
+        text->close();
+        ms->close();
+        ASSERT_EQ(db.saveAs(file.c_str()), Acad::eOk);
+    }
+    Run r = qor("list '" + qorToUtf8(file) + "'");
+    EXPECT_EQ(r.status, 0) << r.out;
+    EXPECT_NE(r.out.find("AcDbLine"), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find("规划道路"), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find("2 entities"), std::string::npos) << r.out;
+    Run bare = qor("--no-module list '" + qorToUtf8(file) + "'");
+    EXPECT_EQ(bare.status, 0) << bare.out;
+}
+
+TEST(QorCli, BadFilesGiveAClearErrorAndANonZeroExit)
+{
+    TempDir dir;
+    Run missing = qor("list '" + dir.path().string() + "/missing.qdb'");
+    EXPECT_NE(missing.status, 0);
+    EXPECT_NE(missing.out.find("qor: "), std::string::npos) << missing.out;
+    EXPECT_NE(missing.out.find("missing.qdb"), std::string::npos) << missing.out;
+
+    const std::string junk = dir.path().string() + "/junk.qdb";
+    std::ofstream(junk) << std::string(300, 'x');
+    Run garbage = qor("list '" + junk + "'");
+    EXPECT_NE(garbage.status, 0);
+    EXPECT_NE(garbage.out.find("junk.qdb"), std::string::npos) << garbage.out;
+
+    Run noArgs = qor("");
+    EXPECT_NE(noArgs.status, 0);
+    Run badModule = qor("--module /nonexistent/libx.so classes");
+    EXPECT_NE(badModule.status, 0);
+    EXPECT_NE(badModule.out.find("libx.so"), std::string::npos) << badModule.out;
+}
+
+} // namespace
