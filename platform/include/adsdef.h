@@ -33,6 +33,7 @@ enum { X = 0, Y = 1, Z = 2, T = 3 };
 #define RTT 5021
 #define RTRESBUF 5023
 #define RTMODELESS 5027
+#define RTINT64 5031
 #define RTNORM 5100
 #define RTERROR (-5001)
 #define RTCAN (-5002)

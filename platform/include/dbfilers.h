@@ -12,11 +12,6 @@
 #include <variant>
 #include <vector>
 
-// Storage kind of the 64-bit integer groups (160-169) in result buffers.
-#ifndef RTINT64
-#define RTINT64 5031
-#endif
-
 // The primitive kinds of DWG filing. In the typed stream each is the tag byte before its
 // payload, so the values are part of the drawing file format: never renumber them.
 enum class AcDbFilerKind : std::uint8_t {

@@ -14,15 +14,15 @@
 
 namespace {
 
-struct Run {
+struct CliRun {
     int status = -1;
     std::string out;
 };
 
 // Runs qor with the arguments; standard error is folded into the output.
-Run qor(const std::string& args)
+CliRun qor(const std::string& args)
 {
-    Run r;
+    CliRun r;
     const std::string cmd = std::string("QOR_MODULE='") + QOR_MODULE_PATH + "' '" + QOR_BIN_DIR + "/qor' " + args + " 2>&1";
     FILE* p = popen(cmd.c_str(), "r");
     if (!p) return r;
@@ -36,7 +36,7 @@ Run qor(const std::string& args)
 
 TEST(QorCli, ClassesListsTheModuleClasses)
 {
-    Run r = qor("classes");
+    CliRun r = qor("classes");
     EXPECT_EQ(r.status, 0) << r.out;
     EXPECT_NE(r.out.find("classes"), std::string::npos);
     EXPECT_EQ(r.out.find("AcDbPolyline"), std::string::npos) << "platform classes are not the module's";
@@ -59,32 +59,32 @@ TEST(QorCli, ListPrintsEveryEntity)
         ms->close();
         ASSERT_EQ(db.saveAs(file.c_str()), Acad::eOk);
     }
-    Run r = qor("list '" + qorToUtf8(file) + "'");
+    CliRun r = qor("list '" + qorToUtf8(file) + "'");
     EXPECT_EQ(r.status, 0) << r.out;
     EXPECT_NE(r.out.find("AcDbLine"), std::string::npos) << r.out;
     EXPECT_NE(r.out.find("规划道路"), std::string::npos) << r.out;
     EXPECT_NE(r.out.find("2 entities"), std::string::npos) << r.out;
-    Run bare = qor("--no-module list '" + qorToUtf8(file) + "'");
+    CliRun bare = qor("--no-module list '" + qorToUtf8(file) + "'");
     EXPECT_EQ(bare.status, 0) << bare.out;
 }
 
 TEST(QorCli, BadFilesGiveAClearErrorAndANonZeroExit)
 {
     TempDir dir;
-    Run missing = qor("list '" + dir.path().string() + "/missing.qdb'");
+    CliRun missing = qor("list '" + dir.path().string() + "/missing.qdb'");
     EXPECT_NE(missing.status, 0);
     EXPECT_NE(missing.out.find("qor: "), std::string::npos) << missing.out;
     EXPECT_NE(missing.out.find("missing.qdb"), std::string::npos) << missing.out;
 
     const std::string junk = dir.path().string() + "/junk.qdb";
     std::ofstream(junk) << std::string(300, 'x');
-    Run garbage = qor("list '" + junk + "'");
+    CliRun garbage = qor("list '" + junk + "'");
     EXPECT_NE(garbage.status, 0);
     EXPECT_NE(garbage.out.find("junk.qdb"), std::string::npos) << garbage.out;
 
-    Run noArgs = qor("");
+    CliRun noArgs = qor("");
     EXPECT_NE(noArgs.status, 0);
-    Run badModule = qor("--module /nonexistent/libx.so classes");
+    CliRun badModule = qor("--module /nonexistent/libx.so classes");
     EXPECT_NE(badModule.status, 0);
     EXPECT_NE(badModule.out.find("libx.so"), std::string::npos) << badModule.out;
 }

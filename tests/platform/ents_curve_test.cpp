@@ -547,7 +547,7 @@ TEST(EntsCurve, GripsOffsetsAndSnaps) {
     off.removeAll();
     EXPECT_EQ(arc.getOffsetCurves(-1.5, off), Acad::eInvalidInput);
     AcDbPolyline pl;
-    EXPECT_EQ(pl.getOffsetCurves(1.0, off), Acad::eNotImplementedYet);
+    EXPECT_EQ(pl.getOffsetCurves(1.0, off), Acad::eInvalidInput); // nothing to offset
 
     AcDbCircle circle(AcGePoint3d(1, 1, 0), AcGeVector3d(0, 0, 1), 2.0);
     grips.removeAll();

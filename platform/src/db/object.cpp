@@ -1,5 +1,6 @@
 // Objects: identity, the open/close protocol, erasing, extended data and base filing.
 #include "dbdict.h"
+#include "dbfilers.h"
 #include "dbmain.h"
 #include "rbfiling.h"
 #include "stub.h"
@@ -262,4 +263,37 @@ Acad::ErrorStatus AcDbObject::dxfInFields(AcDbDxfFiler* filer)
 {
     assertWriteEnabled();
     return filer->filerStatus();
+}
+
+// ---------------------------------------------------------------- copying
+
+AcRxObject* AcDbObject::clone() const
+{
+    // A copy is the object filed out and read back into a fresh instance of its class,
+    // so every class copies exactly what it files. The copy is not in any database.
+    AcRxObject* made = isA()->create();
+    AcDbObject* copy = AcDbObject::cast(made);
+    if (!copy) {
+        delete made;
+        return nullptr;
+    }
+    AcDbDatabase* db = database();
+    AcDbStreamDwgFiler out(db);
+    out.setFilerType(AcDb::kCopyFiler);
+    if (dwgOutFields(&out) != Acad::eOk) {
+        delete copy;
+        return nullptr;
+    }
+    auto resolve = [db](AcDbHandle h) {
+        AcDbObjectId id;
+        if (db) db->getAcDbObjectId(id, false, h);
+        return id;
+    };
+    AcDbStreamDwgFiler in(out.bytes(), resolve, db);
+    in.setFilerType(AcDb::kCopyFiler);
+    if (copy->dwgInFields(&in) != Acad::eOk) {
+        delete copy;
+        return nullptr;
+    }
+    return copy;
 }

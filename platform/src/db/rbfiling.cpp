@@ -27,6 +27,9 @@ void writeXDataItem(AcDbDwgFiler* f, const resbuf* rb)
     case RTLONG:
         f->writeInt32(rb->resval.rlong);
         break;
+    case RTINT64:
+        f->writeInt64(rb->resval.mnInt64);
+        break;
     case RTSTR:
         f->writeString(rb->resval.rstring ? rb->resval.rstring : L"");
         break;
@@ -65,6 +68,9 @@ resbuf* readXDataItem(AcDbDwgFiler* f)
         break;
     case RTLONG:
         f->readInt32(&rb->resval.rlong);
+        break;
+    case RTINT64:
+        f->readInt64(&rb->resval.mnInt64);
         break;
     case RTSTR: {
         ACHAR* s = nullptr;
