@@ -8,8 +8,7 @@
 
 namespace {
 
-void fill(AcDbDatabase& db, int count)
-{
+void fill(AcDbDatabase& db, int count) {
     AcDbBlockTableRecord* ms = nullptr;
     acdbOpenObject(ms, db.modelSpaceId(), AcDb::kForWrite);
     for (int i = 0; i < count; ++i) {
@@ -26,18 +25,17 @@ void fill(AcDbDatabase& db, int count)
     ms->close();
 }
 
-void BM_SavePolylines(benchmark::State& state)
-{
+void BM_SavePolylines(benchmark::State& state) {
     TempDir dir;
     AcDbDatabase db;
     fill(db, static_cast<int>(state.range(0)));
     const std::wstring file = dir.file("many.qdb");
-    for (auto _ : state) benchmark::DoNotOptimize(db.saveAs(file.c_str()));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(db.saveAs(file.c_str()));
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
-void BM_ReopenPolylines(benchmark::State& state)
-{
+void BM_ReopenPolylines(benchmark::State& state) {
     TempDir dir;
     const std::wstring file = dir.file("many.qdb");
     {

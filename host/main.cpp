@@ -17,8 +17,7 @@ namespace fs = std::filesystem;
 namespace {
 
 // The module beside the program (installed layout), else the one of the build tree.
-std::string defaultModulePath()
-{
+std::string defaultModulePath() {
     if (const char* env = std::getenv("QOR_MODULE"); env && *env) return env;
     std::error_code ec;
     fs::path exe = fs::read_symlink("/proc/self/exe", ec);
@@ -29,8 +28,7 @@ std::string defaultModulePath()
     return QOR_DEFAULT_MODULE;
 }
 
-int fail(const std::wstring& message)
-{
+int fail(const std::wstring& message) {
     std::fflush(stdout);
     std::fprintf(stderr, "qor: %s\n", qorToUtf8(message).c_str());
     return 1;
@@ -39,13 +37,11 @@ int fail(const std::wstring& message)
 // Loads the module for the life of the command and unloads it after every drawing is gone.
 class ModuleSession {
 public:
-    ModuleSession(bool enabled, const std::string& path) : mPath(qorFromUtf8(path))
-    {
+    ModuleSession(bool enabled, const std::string& path) : mPath(qorFromUtf8(path)) {
         acrxSysRegistry();
         if (enabled) mLoaded = acrxLoadModule(mPath.c_str(), false);
     }
-    ~ModuleSession()
-    {
+    ~ModuleSession() {
         if (mLoaded) acrxUnloadModule(mPath.c_str());
     }
     bool ok(bool enabled) const { return !enabled || mLoaded; }
@@ -55,23 +51,23 @@ private:
     bool mLoaded = false;
 };
 
-int printClasses()
-{
+int printClasses() {
     int count = 0;
-    std::printf("%-22s %-20s %-16s %-10s %s\n", "class", "parent", "DXF name", "application", "proxy flags");
+    std::printf("%-22s %-20s %-16s %-10s %s\n", "class", "parent", "DXF name", "application",
+                "proxy flags");
     for (AcRxDictionaryIterator it(acrxClassDictionary()); !it.done(); it.next()) {
         auto* c = AcRxClass::cast(it.object());
         if (!c || c->moduleName().empty()) continue;
-        std::printf("%-22s %-20s %-16s %-10s %d\n", qorToUtf8(c->name()).c_str(), qorToUtf8(c->parentName()).c_str(),
-                    qorToUtf8(c->dxfName()).c_str(), qorToUtf8(c->appName()).c_str(), c->proxyFlags());
+        std::printf("%-22s %-20s %-16s %-10s %d\n", qorToUtf8(c->name()).c_str(),
+                    qorToUtf8(c->parentName()).c_str(), qorToUtf8(c->dxfName()).c_str(),
+                    qorToUtf8(c->appName()).c_str(), c->proxyFlags());
         ++count;
     }
     std::printf("%d classes\n", count);
     return 0;
 }
 
-std::unique_ptr<AcDbDatabase> openDrawing(const std::string& file, std::wstring& error)
-{
+std::unique_ptr<AcDbDatabase> openDrawing(const std::string& file, std::wstring& error) {
     auto db = std::make_unique<AcDbDatabase>(false, true);
     if (db->readDwgFile(qorFromUtf8(file).c_str()) != Acad::eOk) {
         error = db->lastError();
@@ -80,8 +76,7 @@ std::unique_ptr<AcDbDatabase> openDrawing(const std::string& file, std::wstring&
     return db;
 }
 
-int listDrawing(const std::string& file)
-{
+int listDrawing(const std::string& file) {
     std::wstring error;
     auto db = openDrawing(file, error);
     if (!db) return fail(error);
@@ -108,13 +103,13 @@ int listDrawing(const std::string& file)
 
 } // namespace
 
-int main(int argc, char** argv)
-{
+int main(int argc, char** argv) {
     CLI::App app{"qor: open, list and convert drawings with the planning object module"};
     app.require_subcommand(1);
     bool noModule = false;
     std::string modulePath = defaultModulePath();
-    app.add_flag("--no-module", noModule, "open drawings without the object module (its objects become proxies)");
+    app.add_flag("--no-module", noModule,
+                 "open drawings without the object module (its objects become proxies)");
     app.add_option("--module", modulePath, "object module to load")->capture_default_str();
 
     auto* classes = app.add_subcommand("classes", "print the classes the loaded modules register");

@@ -10,4 +10,6 @@ static const std::vector<QorClassRow> kClassTable = {
     QOR_CLASS_ROW(AcdbQorDubLine), // 35
 };
 
-std::span<const QorClassRow> qorClassTable() { return kClassTable; }
+std::span<const QorClassRow> qorClassTable() {
+    return kClassTable;
+}

@@ -2,10 +2,11 @@
 
 namespace {
 
-int storeOrLoad(int& stored, int mode, int& flag)
-{
-    if (mode == 1) stored = flag != 0 ? 1 : 0;
-    else flag = stored;
+int storeOrLoad(int& stored, int mode, int& flag) {
+    if (mode == 1)
+        stored = flag != 0 ? 1 : 0;
+    else
+        flag = stored;
     return 1;
 }
 
@@ -13,4 +14,6 @@ int gSaveOld = 0;
 
 } // namespace
 
-int M_GetSaveOldFlg(int mode, int& flag) { return storeOrLoad(gSaveOld, mode, flag); }
+int M_GetSaveOldFlg(int mode, int& flag) {
+    return storeOrLoad(gSaveOld, mode, flag);
+}

@@ -7,12 +7,9 @@
 QOR_DEFINE_MEMBERS(AcdbQorDubLine, AcDbEntity, L"QOR_DUBLINE", L"QOROBJ", 3071)
 
 AcdbQorDubLine::AcdbQorDubLine(const AcdbQorDubLine& other)
-    : AcDbEntity(other), mCentre(other.mCentre), mWidth(other.mWidth)
-{
-}
+    : AcDbEntity(other), mCentre(other.mCentre), mWidth(other.mWidth) {}
 
-AcdbQorDubLine& AcdbQorDubLine::operator=(const AcdbQorDubLine& other)
-{
+AcdbQorDubLine& AcdbQorDubLine::operator=(const AcdbQorDubLine& other) {
     if (this != &other) {
         AcDbEntity::operator=(other);
         mCentre = other.mCentre;
@@ -23,29 +20,25 @@ AcdbQorDubLine& AcdbQorDubLine::operator=(const AcdbQorDubLine& other)
 
 // ---------------------------------------------------------------- accessors
 
-Acad::ErrorStatus AcdbQorDubLine::getWidth(double& w)
-{
+Acad::ErrorStatus AcdbQorDubLine::getWidth(double& w) {
     assertReadEnabled();
     w = mWidth;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcdbQorDubLine::setWidth(double w)
-{
+Acad::ErrorStatus AcdbQorDubLine::setWidth(double w) {
     assertWriteEnabled();
     mWidth = w;
     return Acad::eOk;
 }
 
-int AcdbQorDubLine::getNumPts(int& n)
-{
+int AcdbQorDubLine::getNumPts(int& n) {
     assertReadEnabled();
     n = static_cast<int>(mCentre.numVerts());
     return 1;
 }
 
-Acad::ErrorStatus AcdbQorDubLine::getVertexAt(int i, AcGePoint3d& pt)
-{
+Acad::ErrorStatus AcdbQorDubLine::getVertexAt(int i, AcGePoint3d& pt) {
     assertReadEnabled();
     const int n = static_cast<int>(mCentre.numVerts());
     AcGePoint2d p;
@@ -55,8 +48,7 @@ Acad::ErrorStatus AcdbQorDubLine::getVertexAt(int i, AcGePoint3d& pt)
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcdbQorDubLine::setVertexAt(unsigned int i, AcGePoint3d pt, double bulge)
-{
+Acad::ErrorStatus AcdbQorDubLine::setVertexAt(unsigned int i, AcGePoint3d pt, double bulge) {
     assertWriteEnabled();
     if (i < mCentre.numVerts()) {
         mCentre.setPointAt(i, AcGePoint2d(pt.x, pt.y));
@@ -67,16 +59,14 @@ Acad::ErrorStatus AcdbQorDubLine::setVertexAt(unsigned int i, AcGePoint3d pt, do
     return Acad::eOk;
 }
 
-void AcdbQorDubLine::removeVertexAt(unsigned int i)
-{
+void AcdbQorDubLine::removeVertexAt(unsigned int i) {
     assertWriteEnabled();
     mCentre.removeVertexAt(i);
 }
 
 // ---------------------------------------------------------------- drawing
 
-int AcdbQorDubLine::M_DrawQorEnt(AcGiWorldDraw* wd, AcArray<void*>& ents, void* btr) const
-{
+int AcdbQorDubLine::M_DrawQorEnt(AcGiWorldDraw* wd, AcArray<void*>& ents, void* btr) const {
     if (mWidth == 0.0) return 1;
     if (mCentre.numVerts() < 2) return 1;
     OffsetEnt(wd, ents, btr, mWidth / 2);
@@ -84,8 +74,8 @@ int AcdbQorDubLine::M_DrawQorEnt(AcGiWorldDraw* wd, AcArray<void*>& ents, void* 
     return 1;
 }
 
-int AcdbQorDubLine::OffsetEnt(AcGiWorldDraw* wd, AcArray<void*>& ents, void* btr, double dist) const
-{
+int AcdbQorDubLine::OffsetEnt(AcGiWorldDraw* wd, AcArray<void*>& ents, void* btr,
+                              double dist) const {
     AcArray<void*> curves;
     if (!M_GetOffsetCurves(&mCentre, dist, curves)) return 1;
     for (void* p : curves) {
@@ -106,10 +96,11 @@ int AcdbQorDubLine::OffsetEnt(AcGiWorldDraw* wd, AcArray<void*>& ents, void* btr
     return 1;
 }
 
-int AcdbQorDubLine::M_OutPlotFile(AcDbBlockTableRecord* btr) const { return qorOutPlotFile(this, btr); }
+int AcdbQorDubLine::M_OutPlotFile(AcDbBlockTableRecord* btr) const {
+    return qorOutPlotFile(this, btr);
+}
 
-Adesk::Boolean AcdbQorDubLine::subWorldDraw(AcGiWorldDraw* wd)
-{
+Adesk::Boolean AcdbQorDubLine::subWorldDraw(AcGiWorldDraw* wd) {
     // The double line draws in every regen type.
     assertReadEnabled();
     AcArray<void*> unused;
@@ -117,17 +108,17 @@ Adesk::Boolean AcdbQorDubLine::subWorldDraw(AcGiWorldDraw* wd)
     return Adesk::kTrue;
 }
 
-Acad::ErrorStatus AcdbQorDubLine::subExplode(AcDbVoidPtrArray& ents) const
-{
+Acad::ErrorStatus AcdbQorDubLine::subExplode(AcDbVoidPtrArray& ents) const {
     assertReadEnabled();
     M_DrawQorEnt(nullptr, ents, nullptr);
     return Acad::eOk;
 }
 
-void AcdbQorDubLine::subSaveAs(AcGiWorldDraw* mode, AcDb::SaveType st) { qorSaveAsProxyGraphics(this, mode, st); }
+void AcdbQorDubLine::subSaveAs(AcGiWorldDraw* mode, AcDb::SaveType st) {
+    qorSaveAsProxyGraphics(this, mode, st);
+}
 
-void AcdbQorDubLine::subList() const
-{
+void AcdbQorDubLine::subList() const {
     assertReadEnabled();
     AcDbEntity::subList();
     CString left, right;
@@ -138,8 +129,7 @@ void AcdbQorDubLine::subList() const
 
 // ---------------------------------------------------------------- filing
 
-Acad::ErrorStatus AcdbQorDubLine::dwgOutFields(AcDbDwgFiler* filer) const
-{
+Acad::ErrorStatus AcdbQorDubLine::dwgOutFields(AcDbDwgFiler* filer) const {
     assertReadEnabled();
     if (Acad::ErrorStatus es = AcDbEntity::dwgOutFields(filer); es != Acad::eOk) return es;
     filer->writeUInt16(kVersion);
@@ -157,8 +147,7 @@ Acad::ErrorStatus AcdbQorDubLine::dwgOutFields(AcDbDwgFiler* filer) const
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus AcdbQorDubLine::dwgInFields(AcDbDwgFiler* filer)
-{
+Acad::ErrorStatus AcdbQorDubLine::dwgInFields(AcDbDwgFiler* filer) {
     assertWriteEnabled();
     if (Acad::ErrorStatus es = AcDbEntity::dwgInFields(filer); es != Acad::eOk) return es;
     Adesk::UInt16 version = 0;
@@ -180,8 +169,7 @@ Acad::ErrorStatus AcdbQorDubLine::dwgInFields(AcDbDwgFiler* filer)
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus AcdbQorDubLine::dxfOutFields(AcDbDxfFiler* filer) const
-{
+Acad::ErrorStatus AcdbQorDubLine::dxfOutFields(AcDbDxfFiler* filer) const {
     assertReadEnabled();
     if (Acad::ErrorStatus es = AcDbEntity::dxfOutFields(filer); es != Acad::eOk) return es;
     filer->writeString(AcDb::kDxfSubclass, L"AcdbQorDubLine");
@@ -190,8 +178,7 @@ Acad::ErrorStatus AcdbQorDubLine::dxfOutFields(AcDbDxfFiler* filer) const
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus AcdbQorDubLine::dxfInFields(AcDbDxfFiler* filer)
-{
+Acad::ErrorStatus AcdbQorDubLine::dxfInFields(AcDbDxfFiler* filer) {
     assertWriteEnabled();
     if (Acad::ErrorStatus es = AcDbEntity::dxfInFields(filer); es != Acad::eOk) return es;
     if (!filer->atSubclassData(L"AcdbQorDubLine")) return filer->filerStatus();
@@ -213,50 +200,50 @@ Acad::ErrorStatus AcdbQorDubLine::dxfInFields(AcDbDxfFiler* filer)
     return filer->filerStatus() == Acad::eEndOfFile ? Acad::eOk : filer->filerStatus();
 }
 
-// ---------------------------------------------------------------- edit operations: the centre line's
+// ---------------------------------------------------------------- edit operations: the centre
+// line's
 
-Acad::ErrorStatus AcdbQorDubLine::subGetGripPoints(AcGePoint3dArray& grips, AcDbIntArray& osnapModes,
-                                                   AcDbIntArray& geomIds) const
-{
+Acad::ErrorStatus AcdbQorDubLine::subGetGripPoints(AcGePoint3dArray& grips,
+                                                   AcDbIntArray& osnapModes,
+                                                   AcDbIntArray& geomIds) const {
     assertReadEnabled();
     return mCentre.getGripPoints(grips, osnapModes, geomIds);
 }
 
-Acad::ErrorStatus AcdbQorDubLine::subMoveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset)
-{
+Acad::ErrorStatus AcdbQorDubLine::subMoveGripPointsAt(const AcDbIntArray& indices,
+                                                      const AcGeVector3d& offset) {
     assertWriteEnabled();
     return mCentre.moveGripPointsAt(indices, offset);
 }
 
-Acad::ErrorStatus AcdbQorDubLine::subGetStretchPoints(AcGePoint3dArray& pts) const
-{
+Acad::ErrorStatus AcdbQorDubLine::subGetStretchPoints(AcGePoint3dArray& pts) const {
     assertReadEnabled();
     return mCentre.getStretchPoints(pts);
 }
 
-Acad::ErrorStatus AcdbQorDubLine::subMoveStretchPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset)
-{
+Acad::ErrorStatus AcdbQorDubLine::subMoveStretchPointsAt(const AcDbIntArray& indices,
+                                                         const AcGeVector3d& offset) {
     assertWriteEnabled();
     return mCentre.moveStretchPointsAt(indices, offset);
 }
 
 Acad::ErrorStatus AcdbQorDubLine::subGetOsnapPoints(AcDb::OsnapMode mode, Adesk::GsMarker gsMarker,
-                                                    const AcGePoint3d& pickPoint, const AcGePoint3d& lastPoint,
-                                                    const AcGeMatrix3d& viewXform, AcGePoint3dArray& snapPoints,
-                                                    AcDbIntArray& geomIds) const
-{
+                                                    const AcGePoint3d& pickPoint,
+                                                    const AcGePoint3d& lastPoint,
+                                                    const AcGeMatrix3d& viewXform,
+                                                    AcGePoint3dArray& snapPoints,
+                                                    AcDbIntArray& geomIds) const {
     assertReadEnabled();
-    return mCentre.getOsnapPoints(mode, gsMarker, pickPoint, lastPoint, viewXform, snapPoints, geomIds);
+    return mCentre.getOsnapPoints(mode, gsMarker, pickPoint, lastPoint, viewXform, snapPoints,
+                                  geomIds);
 }
 
-Acad::ErrorStatus AcdbQorDubLine::subGetGeomExtents(AcDbExtents& extents) const
-{
+Acad::ErrorStatus AcdbQorDubLine::subGetGeomExtents(AcDbExtents& extents) const {
     assertReadEnabled();
     return mCentre.getGeomExtents(extents);
 }
 
-Acad::ErrorStatus AcdbQorDubLine::subTransformBy(const AcGeMatrix3d& xform)
-{
+Acad::ErrorStatus AcdbQorDubLine::subTransformBy(const AcGeMatrix3d& xform) {
     assertWriteEnabled();
     mWidth *= xform.scale();
     mCentre.transformBy(xform);
@@ -264,17 +251,18 @@ Acad::ErrorStatus AcdbQorDubLine::subTransformBy(const AcGeMatrix3d& xform)
 }
 
 Acad::ErrorStatus AcdbQorDubLine::subIntersectWith(const AcDbEntity* ent, AcDb::Intersect intType,
-                                                   AcGePoint3dArray& points, Adesk::GsMarker thisGsMarker,
-                                                   Adesk::GsMarker otherGsMarker) const
-{
+                                                   AcGePoint3dArray& points,
+                                                   Adesk::GsMarker thisGsMarker,
+                                                   Adesk::GsMarker otherGsMarker) const {
     assertReadEnabled();
     return mCentre.intersectWith(ent, intType, points, thisGsMarker, otherGsMarker);
 }
 
 Acad::ErrorStatus AcdbQorDubLine::subIntersectWith(const AcDbEntity* ent, AcDb::Intersect intType,
-                                                   const AcGePlane& projPlane, AcGePoint3dArray& points,
-                                                   Adesk::GsMarker thisGsMarker, Adesk::GsMarker otherGsMarker) const
-{
+                                                   const AcGePlane& projPlane,
+                                                   AcGePoint3dArray& points,
+                                                   Adesk::GsMarker thisGsMarker,
+                                                   Adesk::GsMarker otherGsMarker) const {
     assertReadEnabled();
     return mCentre.intersectWith(ent, intType, projPlane, points, thisGsMarker, otherGsMarker);
 }

@@ -40,18 +40,23 @@ public:
     void subSaveAs(AcGiWorldDraw* mode, AcDb::SaveType st) override;
     Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& grips, AcDbIntArray& osnapModes,
                                        AcDbIntArray& geomIds) const override;
-    Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
+    Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices,
+                                          const AcGeVector3d& offset) override;
     Acad::ErrorStatus subGetStretchPoints(AcGePoint3dArray& pts) const override;
-    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
-    Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode mode, Adesk::GsMarker gsMarker, const AcGePoint3d& pickPoint,
-                                        const AcGePoint3d& lastPoint, const AcGeMatrix3d& viewXform,
-                                        AcGePoint3dArray& snapPoints, AcDbIntArray& geomIds) const override;
+    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices,
+                                             const AcGeVector3d& offset) override;
+    Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode mode, Adesk::GsMarker gsMarker,
+                                        const AcGePoint3d& pickPoint, const AcGePoint3d& lastPoint,
+                                        const AcGeMatrix3d& viewXform, AcGePoint3dArray& snapPoints,
+                                        AcDbIntArray& geomIds) const override;
     Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& xform) override;
-    Acad::ErrorStatus subIntersectWith(const AcDbEntity* ent, AcDb::Intersect intType, AcGePoint3dArray& points,
-                                       Adesk::GsMarker thisGsMarker, Adesk::GsMarker otherGsMarker) const override;
-    Acad::ErrorStatus subIntersectWith(const AcDbEntity* ent, AcDb::Intersect intType, const AcGePlane& projPlane,
+    Acad::ErrorStatus subIntersectWith(const AcDbEntity* ent, AcDb::Intersect intType,
                                        AcGePoint3dArray& points, Adesk::GsMarker thisGsMarker,
+                                       Adesk::GsMarker otherGsMarker) const override;
+    Acad::ErrorStatus subIntersectWith(const AcDbEntity* ent, AcDb::Intersect intType,
+                                       const AcGePlane& projPlane, AcGePoint3dArray& points,
+                                       Adesk::GsMarker thisGsMarker,
                                        Adesk::GsMarker otherGsMarker) const override;
 
 private:

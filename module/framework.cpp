@@ -2,23 +2,22 @@
 
 #include "cmdline.h"
 
-void M_WriteStr(AcDbDwgFiler* filer, CString s) { filer->writeString(static_cast<const ACHAR*>(s)); }
+void M_WriteStr(AcDbDwgFiler* filer, CString s) {
+    filer->writeString(static_cast<const ACHAR*>(s));
+}
 
-void M_ReadStr(AcDbDwgFiler* filer, CString& s)
-{
+void M_ReadStr(AcDbDwgFiler* filer, CString& s) {
     ACHAR* buffer = nullptr;
     filer->readString(&buffer);
     s = buffer ? buffer : L"";
     acdbFree(buffer);
 }
 
-void M_WriteHardId(AcDbDwgFiler* filer, AcDbHardPointerId id)
-{
+void M_WriteHardId(AcDbDwgFiler* filer, AcDbHardPointerId id) {
     filer->writeHardPointerId(id.isEffectivelyErased() ? AcDbHardPointerId() : id);
 }
 
-int M_ExplodeOut(AcDbEntity* ent, AcArray<void*>& ents, void* btr)
-{
+int M_ExplodeOut(AcDbEntity* ent, AcArray<void*>& ents, void* btr) {
     if (!ent) return 0;
     if (!btr) {
         ents.append(ent);
@@ -32,48 +31,48 @@ int M_ExplodeOut(AcDbEntity* ent, AcArray<void*>& ents, void* btr)
     return 0;
 }
 
-void qorSaveAsProxyGraphics(AcDbEntity* self, AcGiWorldDraw* mode, AcDb::SaveType saveType)
-{
+void qorSaveAsProxyGraphics(AcDbEntity* self, AcGiWorldDraw* mode, AcDb::SaveType saveType) {
     mode->regenType(); // asked, as the platform's own objects do; the answer is not needed
-    if (saveType == 1) mode->subEntityTraits().setFillType(kAcGiFillNever);
-    else if (saveType == 2) mode->subEntityTraits().setFillType(kAcGiFillAlways);
+    if (saveType == 1)
+        mode->subEntityTraits().setFillType(kAcGiFillNever);
+    else if (saveType == 2)
+        mode->subEntityTraits().setFillType(kAcGiFillAlways);
     self->worldDraw(mode);
 }
 
 namespace {
 
-void printTwoColumns(const wchar_t* leftFormat, const wchar_t* rightFormat, const wchar_t* lineFormat,
-                     const CString& label1, const CString& value1, const CString& label2, const CString& value2)
-{
+void printTwoColumns(const wchar_t* leftFormat, const wchar_t* rightFormat,
+                     const wchar_t* lineFormat, const CString& label1, const CString& value1,
+                     const CString& label2, const CString& value2) {
     CString left, right;
     left.Format(leftFormat, static_cast<const ACHAR*>(label1), static_cast<const ACHAR*>(value1),
                 L"                   ");
-    if (!label2.IsEmpty()) right.Format(rightFormat, static_cast<const ACHAR*>(label2), static_cast<const ACHAR*>(value2));
+    if (!label2.IsEmpty())
+        right.Format(rightFormat, static_cast<const ACHAR*>(label2),
+                     static_cast<const ACHAR*>(value2));
     acutPrintf(lineFormat, static_cast<const ACHAR*>(left), static_cast<const ACHAR*>(right));
 }
 
 } // namespace
 
-void M_PrintList(CString label1, CString value1, CString label2, CString value2)
-{
+void M_PrintList(CString label1, CString value1, CString label2, CString value2) {
     printTwoColumns(L"%10s:  %s%s", L"%10s:  %s", L"\n%.40s %s", label1, value1, label2, value2);
 }
 
-void M_PrintList15(CString label1, CString value1, CString label2, CString value2)
-{
+void M_PrintList15(CString label1, CString value1, CString label2, CString value2) {
     printTwoColumns(L"%15s:  %s%s", L"%15s:  %s", L"\n%.30s %s", label1, value1, label2, value2);
 }
 
-void M_AddArray(CString label, CString value, CStringArray& pairs)
-{
+void M_AddArray(CString label, CString value, CStringArray& pairs) {
     pairs.Add(label);
     pairs.Add(value);
 }
 
-void M_PrintPairs(const CStringArray& pairs)
-{
+void M_PrintPairs(const CStringArray& pairs) {
     for (int i = 0; i + 1 < pairs.GetSize(); i += 4) {
         const bool right = i + 3 < pairs.GetSize();
-        M_PrintList(pairs[i], pairs[i + 1], right ? pairs[i + 2] : CString(), right ? pairs[i + 3] : CString());
+        M_PrintList(pairs[i], pairs[i + 1], right ? pairs[i + 2] : CString(),
+                    right ? pairs[i + 3] : CString());
     }
 }

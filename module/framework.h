@@ -25,8 +25,7 @@ int M_ExplodeOut(AcDbEntity* ent, AcArray<void*>& ents, void* btr);
 
 // The regen-type rule: nothing while the regeneration is being aborted; draw in standard
 // display, for explode and for proxy graphics; nothing (false) for hide/shade and render.
-template <class DrawFn> Adesk::Boolean qorWorldDrawByRegenType(AcGiWorldDraw* wd, DrawFn draw)
-{
+template <class DrawFn> Adesk::Boolean qorWorldDrawByRegenType(AcGiWorldDraw* wd, DrawFn draw) {
     if (wd->regenAbort()) return Adesk::kTrue;
     switch (wd->regenType()) {
     case kAcGiStandardDisplay:
@@ -46,12 +45,12 @@ template <class DrawFn> Adesk::Boolean qorWorldDrawByRegenType(AcGiWorldDraw* wd
 void qorSaveAsProxyGraphics(AcDbEntity* self, AcGiWorldDraw* mode, AcDb::SaveType saveType);
 
 // Export to a block: draw in append mode, delete whatever is left in the array; always 1.
-template <class Object> int qorOutPlotFile(const Object* self, AcDbBlockTableRecord* btr)
-{
+template <class Object> int qorOutPlotFile(const Object* self, AcDbBlockTableRecord* btr) {
     self->assertReadEnabled();
     AcArray<void*> ents;
     self->M_DrawQorEnt(nullptr, ents, btr);
-    for (void* p : ents) delete static_cast<AcDbEntity*>(p);
+    for (void* p : ents)
+        delete static_cast<AcDbEntity*>(p);
     return 1;
 }
 

@@ -1,7 +1,6 @@
 #include "toolkit/offsetcurves.h"
 
-int M_IsNotZeroLength(const AcDbCurve* curve)
-{
+int M_IsNotZeroLength(const AcDbCurve* curve) {
     if (!curve) return 0;
     double endParam = 0.0, length = 0.0;
     if (curve->getEndParam(endParam) != Acad::eOk) return 0;
@@ -9,8 +8,7 @@ int M_IsNotZeroLength(const AcDbCurve* curve)
     return length > 0.001 ? 1 : 0;
 }
 
-int M_GetOffsetCurves(const AcDbCurve* c, double dist, AcArray<void*>& out)
-{
+int M_GetOffsetCurves(const AcDbCurve* c, double dist, AcArray<void*>& out) {
     if (dist == 0.0) dist = 0.0001;
     if (!M_IsNotZeroLength(c)) return 0;
     AcGePoint3d start;

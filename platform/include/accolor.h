@@ -16,17 +16,34 @@ public:
         kLayerFrozen = 0xC7,
         kNone = 0xC8,
     };
-    enum ACIcolorMethod : Adesk::UInt16 { kACIbyBlock = 0, kACIRed = 1, kACIYellow = 2, kACIGreen = 3, kACICyan = 4,
-                                          kACIBlue = 5, kACIMagenta = 6, kACIforeground = 7, kACIbyLayer = 256 };
+    enum ACIcolorMethod : Adesk::UInt16 {
+        kACIbyBlock = 0,
+        kACIRed = 1,
+        kACIYellow = 2,
+        kACIGreen = 3,
+        kACICyan = 4,
+        kACIBlue = 5,
+        kACIMagenta = 6,
+        kACIforeground = 7,
+        kACIbyLayer = 256
+    };
 
     AcCmEntityColor() = default;
     explicit AcCmEntityColor(ColorMethod m) { mValue = static_cast<Adesk::UInt32>(m) << 24; }
-    AcCmEntityColor(Adesk::UInt8 red, Adesk::UInt8 green, Adesk::UInt8 blue) { setRGB(red, green, blue); }
+    AcCmEntityColor(Adesk::UInt8 red, Adesk::UInt8 green, Adesk::UInt8 blue) {
+        setRGB(red, green, blue);
+    }
 
     ColorMethod colorMethod() const { return static_cast<ColorMethod>(mValue >> 24); }
-    void setColorMethod(ColorMethod m) { mValue = (mValue & 0x00FFFFFFu) | (static_cast<Adesk::UInt32>(m) << 24); }
-    bool isByLayer() const { return colorMethod() == kByLayer || (isByACI() && colorIndex() == kACIbyLayer); }
-    bool isByBlock() const { return colorMethod() == kByBlock || (isByACI() && colorIndex() == kACIbyBlock); }
+    void setColorMethod(ColorMethod m) {
+        mValue = (mValue & 0x00FFFFFFu) | (static_cast<Adesk::UInt32>(m) << 24);
+    }
+    bool isByLayer() const {
+        return colorMethod() == kByLayer || (isByACI() && colorIndex() == kACIbyLayer);
+    }
+    bool isByBlock() const {
+        return colorMethod() == kByBlock || (isByACI() && colorIndex() == kACIbyBlock);
+    }
     bool isByColor() const { return colorMethod() == kByColor; }
     bool isByACI() const { return colorMethod() == kByACI; }
     bool isNone() const { return colorMethod() == kNone; }
@@ -63,10 +80,16 @@ public:
 };
 
 // The module's own stored colours use the Windows order: red in the low byte.
-inline Adesk::UInt32 qorPackWindowsRGB(Adesk::UInt8 r, Adesk::UInt8 g, Adesk::UInt8 b)
-{
-    return static_cast<Adesk::UInt32>(r) | (static_cast<Adesk::UInt32>(g) << 8) | (static_cast<Adesk::UInt32>(b) << 16);
+inline Adesk::UInt32 qorPackWindowsRGB(Adesk::UInt8 r, Adesk::UInt8 g, Adesk::UInt8 b) {
+    return static_cast<Adesk::UInt32>(r) | (static_cast<Adesk::UInt32>(g) << 8) |
+           (static_cast<Adesk::UInt32>(b) << 16);
 }
-inline Adesk::UInt8 qorWindowsRed(Adesk::UInt32 c) { return static_cast<Adesk::UInt8>(c & 0xFF); }
-inline Adesk::UInt8 qorWindowsGreen(Adesk::UInt32 c) { return static_cast<Adesk::UInt8>((c >> 8) & 0xFF); }
-inline Adesk::UInt8 qorWindowsBlue(Adesk::UInt32 c) { return static_cast<Adesk::UInt8>((c >> 16) & 0xFF); }
+inline Adesk::UInt8 qorWindowsRed(Adesk::UInt32 c) {
+    return static_cast<Adesk::UInt8>(c & 0xFF);
+}
+inline Adesk::UInt8 qorWindowsGreen(Adesk::UInt32 c) {
+    return static_cast<Adesk::UInt8>((c >> 8) & 0xFF);
+}
+inline Adesk::UInt8 qorWindowsBlue(Adesk::UInt32 c) {
+    return static_cast<Adesk::UInt8>((c >> 16) & 0xFF);
+}

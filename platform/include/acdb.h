@@ -6,7 +6,15 @@ enum OpenMode { kNotOpen = -1, kForRead = 0, kForWrite = 1, kForNotify = 2 };
 enum Intersect { kOnBothOperands = 0, kExtendThis = 1, kExtendArg = 2, kExtendBoth = 3 };
 enum Visibility { kVisible = 0, kInvisible = 1 };
 enum Planarity { kNonPlanar = 0, kPlanar = 1, kLinear = 2 };
-enum SaveType { kR12Save = 0, kR13Save = 1, kR14Save = 2, k2000Save = 3, k2004Save = 4, k2007Save = 5, k2010Save = 6 };
+enum SaveType {
+    kR12Save = 0,
+    kR13Save = 1,
+    kR14Save = 2,
+    k2000Save = 3,
+    k2004Save = 4,
+    k2007Save = 5,
+    k2010Save = 6
+};
 enum FilerType {
     kFileFiler = 0,
     kCopyFiler = 1,
@@ -53,7 +61,14 @@ enum LineWeight {
     kLnWtByLwDefault = -3,
 };
 
-enum TextHorzMode { kTextLeft = 0, kTextCenter = 1, kTextRight = 2, kTextAlign = 3, kTextMid = 4, kTextFit = 5 };
+enum TextHorzMode {
+    kTextLeft = 0,
+    kTextCenter = 1,
+    kTextRight = 2,
+    kTextAlign = 3,
+    kTextMid = 4,
+    kTextFit = 5
+};
 enum TextVertMode { kTextBase = 0, kTextBottom = 1, kTextVertMid = 2, kTextTop = 3 };
 
 enum OsnapMode {

@@ -74,4 +74,8 @@ resbuf* acutBuildList(int type, ...);
 // The storage kind of a group code: RTREAL, RT3DPOINT, RTSHORT, RTLONG, RTSTR, RTENAME, RTLB...
 int acdbGroupCodeToType(int groupCode);
 
-inline void acdbPointSet(const ads_point from, ads_point to) { to[0] = from[0]; to[1] = from[1]; to[2] = from[2]; }
+inline void acdbPointSet(const ads_point from, ads_point to) {
+    to[0] = from[0];
+    to[1] = from[1];
+    to[2] = from[2];
+}

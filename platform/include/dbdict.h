@@ -20,7 +20,8 @@ public:
     bool has(const ACHAR* key) const;
     bool has(AcDbObjectId id) const;
     Adesk::UInt32 numEntries() const { return static_cast<Adesk::UInt32>(mEntries.size()); }
-    // Makes a new object resident, owned by the dictionary (an object already resident is re-owned).
+    // Makes a new object resident, owned by the dictionary (an object already resident is
+    // re-owned).
     Acad::ErrorStatus setAt(const ACHAR* key, AcDbObject* obj, AcDbObjectId& id);
     Acad::ErrorStatus remove(const ACHAR* key);
     Acad::ErrorStatus remove(const ACHAR* key, AcDbObjectId& removed);
@@ -40,7 +41,10 @@ class AcDbDictionaryIterator {
 public:
     explicit AcDbDictionaryIterator(std::vector<std::pair<std::wstring, AcDbObjectId>> entries);
     bool done() const { return mIndex >= mEntries.size(); }
-    bool next() { ++mIndex; return !done(); }
+    bool next() {
+        ++mIndex;
+        return !done();
+    }
     const ACHAR* name() const { return mEntries[mIndex].first.c_str(); }
     AcDbObjectId objectId() const { return mEntries[mIndex].second; }
     Acad::ErrorStatus getObject(AcDbObject*& obj, AcDb::OpenMode mode) const;

@@ -273,7 +273,8 @@ public:
     Acad::ErrorStatus getArea(double& area) const override;
     Acad::ErrorStatus reverseCurve() override;
     // One polyline: segments moved to the side (positive = right of travel) and joined again.
-    Acad::ErrorStatus getOffsetCurves(double offsetDist, AcDbVoidPtrArray& offsetCurves) const override;
+    Acad::ErrorStatus getOffsetCurves(double offsetDist,
+                                      AcDbVoidPtrArray& offsetCurves) const override;
 
     Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
     Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;

@@ -113,10 +113,15 @@ public:
     virtual Acad::ErrorStatus writeHandle(AcDb::DxfCode code, const AcDbHandle& h) = 0;
     virtual Acad::ErrorStatus writeDouble(AcDb::DxfCode code, double v, int prec = -1) = 0;
     virtual Acad::ErrorStatus writeAngle(AcDb::DxfCode code, double v, int prec = -1) = 0;
-    virtual Acad::ErrorStatus writePoint2d(AcDb::DxfCode code, const AcGePoint2d& p, int prec = -1) = 0;
-    virtual Acad::ErrorStatus writePoint3d(AcDb::DxfCode code, const AcGePoint3d& p, int prec = -1) = 0;
-    virtual Acad::ErrorStatus writeVector2d(AcDb::DxfCode code, const AcGeVector2d& v, int prec = -1) = 0;
-    virtual Acad::ErrorStatus writeVector3d(AcDb::DxfCode code, const AcGeVector3d& v, int prec = -1) = 0;
-    virtual Acad::ErrorStatus writeScale3d(AcDb::DxfCode code, const AcGeScale3d& v, int prec = -1) = 0;
+    virtual Acad::ErrorStatus writePoint2d(AcDb::DxfCode code, const AcGePoint2d& p,
+                                           int prec = -1) = 0;
+    virtual Acad::ErrorStatus writePoint3d(AcDb::DxfCode code, const AcGePoint3d& p,
+                                           int prec = -1) = 0;
+    virtual Acad::ErrorStatus writeVector2d(AcDb::DxfCode code, const AcGeVector2d& v,
+                                            int prec = -1) = 0;
+    virtual Acad::ErrorStatus writeVector3d(AcDb::DxfCode code, const AcGeVector3d& v,
+                                            int prec = -1) = 0;
+    virtual Acad::ErrorStatus writeScale3d(AcDb::DxfCode code, const AcGeScale3d& v,
+                                           int prec = -1) = 0;
     virtual Acad::ErrorStatus writeBChunk(AcDb::DxfCode code, const ads_binary& chunk) = 0;
 };

@@ -1,8 +1,8 @@
 // Object identifiers and handles.
 #pragma once
 
-#include "adesk.h"
 #include "acstatus.h"
+#include "adesk.h"
 
 #include <functional>
 
@@ -22,7 +22,10 @@ public:
     void setNull() { mValue = 0; }
     Adesk::UInt64 value() const { return mValue; }
     operator Adesk::UInt64() const { return mValue; }
-    AcDbHandle& operator++() { ++mValue; return *this; }
+    AcDbHandle& operator++() {
+        ++mValue;
+        return *this;
+    }
     bool operator==(const AcDbHandle& h) const { return mValue == h.mValue; }
     bool operator!=(const AcDbHandle& h) const { return mValue != h.mValue; }
     bool operator<(const AcDbHandle& h) const { return mValue < h.mValue; }
@@ -84,7 +87,9 @@ public:
 };
 
 template <> struct std::hash<AcDbObjectId> {
-    size_t operator()(const AcDbObjectId& id) const noexcept { return std::hash<const void*>()(id.stub()); }
+    size_t operator()(const AcDbObjectId& id) const noexcept {
+        return std::hash<const void*>()(id.stub());
+    }
 };
 
 #include "acarray.h"

@@ -104,14 +104,17 @@ public:
     // Drawable
     Adesk::Boolean worldDraw(AcGiWorldDraw* wd) override { return subWorldDraw(wd); }
     void viewportDraw(AcGiViewportDraw* vd) override { subViewportDraw(vd); }
-    Adesk::UInt32 setAttributes(AcGiDrawableTraits* traits) override { return subSetAttributes(traits); }
+    Adesk::UInt32 setAttributes(AcGiDrawableTraits* traits) override {
+        return subSetAttributes(traits);
+    }
     bool isPersistent() const override { return !mId.isNull(); }
     AcDbObjectId id() const override { return mId; }
     virtual Adesk::Boolean subWorldDraw(AcGiWorldDraw*) { return Adesk::kTrue; }
     virtual void subViewportDraw(AcGiViewportDraw*) {}
     virtual Adesk::UInt32 subSetAttributes(AcGiDrawableTraits*) { return 0; }
 
-    // A new object of the same class with the same data (through DWG filing), not database-resident.
+    // A new object of the same class with the same data (through DWG filing), not
+    // database-resident.
     AcRxObject* clone() const override;
 
 private:
@@ -129,13 +132,16 @@ private:
 };
 
 // Open an object of a database by id. Fails for null, erased (unless openErased) or unloaded ids.
-Acad::ErrorStatus acdbOpenObject(AcDbObject*& obj, AcDbObjectId id, AcDb::OpenMode mode, bool openErased = false);
-Acad::ErrorStatus acdbOpenAcDbObject(AcDbObject*& obj, AcDbObjectId id, AcDb::OpenMode mode, bool openErased = false);
-Acad::ErrorStatus acdbOpenAcDbEntity(AcDbEntity*& ent, AcDbObjectId id, AcDb::OpenMode mode, bool openErased = false);
+Acad::ErrorStatus acdbOpenObject(AcDbObject*& obj, AcDbObjectId id, AcDb::OpenMode mode,
+                                 bool openErased = false);
+Acad::ErrorStatus acdbOpenAcDbObject(AcDbObject*& obj, AcDbObjectId id, AcDb::OpenMode mode,
+                                     bool openErased = false);
+Acad::ErrorStatus acdbOpenAcDbEntity(AcDbEntity*& ent, AcDbObjectId id, AcDb::OpenMode mode,
+                                     bool openErased = false);
 
 template <class T>
-inline Acad::ErrorStatus acdbOpenObject(T*& obj, AcDbObjectId id, AcDb::OpenMode mode, bool openErased = false)
-{
+inline Acad::ErrorStatus acdbOpenObject(T*& obj, AcDbObjectId id, AcDb::OpenMode mode,
+                                        bool openErased = false) {
     AcDbObject* p = nullptr;
     obj = nullptr;
     Acad::ErrorStatus es = acdbOpenAcDbObject(p, id, mode, openErased);
@@ -171,8 +177,10 @@ public:
     // Layer and linetype names resolve in the entity's database, or the working database.
     ACHAR* layer() const;
     AcDbObjectId layerId() const { return mLayer; }
-    Acad::ErrorStatus setLayer(const ACHAR* name, bool doSubents = true, bool allowHiddenLayer = false);
-    Acad::ErrorStatus setLayer(AcDbObjectId id, bool doSubents = true, bool allowHiddenLayer = false);
+    Acad::ErrorStatus setLayer(const ACHAR* name, bool doSubents = true,
+                               bool allowHiddenLayer = false);
+    Acad::ErrorStatus setLayer(AcDbObjectId id, bool doSubents = true,
+                               bool allowHiddenLayer = false);
     ACHAR* linetype() const;
     AcDbObjectId linetypeId() const { return mLinetype; }
     Acad::ErrorStatus setLinetype(const ACHAR* name, bool doSubents = true);
@@ -186,7 +194,8 @@ public:
     AcDbObjectId materialId() const { return mMaterial; }
     Acad::ErrorStatus setMaterial(AcDbObjectId id, bool doSubents = true);
     void setPropertiesFrom(const AcDbEntity* other, bool doSubents = true);
-    // Current layer, colour, linetype, scales and lineweight of the database (the working one when null).
+    // Current layer, colour, linetype, scales and lineweight of the database (the working one when
+    // null).
     void setDatabaseDefaults(AcDbDatabase* db = nullptr);
 
     Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
@@ -197,40 +206,42 @@ public:
     // The public operations call the overridable sub... forms, as on the platform.
     void list() const { subList(); }
     Acad::ErrorStatus explode(AcDbVoidPtrArray& entities) const { return subExplode(entities); }
-    Acad::ErrorStatus getGripPoints(AcGePoint3dArray& grips, AcDbIntArray& osnapModes, AcDbIntArray& geomIds) const
-    {
+    Acad::ErrorStatus getGripPoints(AcGePoint3dArray& grips, AcDbIntArray& osnapModes,
+                                    AcDbIntArray& geomIds) const {
         return subGetGripPoints(grips, osnapModes, geomIds);
     }
-    Acad::ErrorStatus moveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset)
-    {
+    Acad::ErrorStatus moveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) {
         return subMoveGripPointsAt(indices, offset);
     }
-    Acad::ErrorStatus getStretchPoints(AcGePoint3dArray& pts) const { return subGetStretchPoints(pts); }
-    Acad::ErrorStatus moveStretchPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset)
-    {
+    Acad::ErrorStatus getStretchPoints(AcGePoint3dArray& pts) const {
+        return subGetStretchPoints(pts);
+    }
+    Acad::ErrorStatus moveStretchPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) {
         return subMoveStretchPointsAt(indices, offset);
     }
-    Acad::ErrorStatus getOsnapPoints(AcDb::OsnapMode mode, Adesk::GsMarker gsMarker, const AcGePoint3d& pickPoint,
-                                     const AcGePoint3d& lastPoint, const AcGeMatrix3d& viewXform,
-                                     AcGePoint3dArray& snapPoints, AcDbIntArray& geomIds) const
-    {
-        return subGetOsnapPoints(mode, gsMarker, pickPoint, lastPoint, viewXform, snapPoints, geomIds);
+    Acad::ErrorStatus getOsnapPoints(AcDb::OsnapMode mode, Adesk::GsMarker gsMarker,
+                                     const AcGePoint3d& pickPoint, const AcGePoint3d& lastPoint,
+                                     const AcGeMatrix3d& viewXform, AcGePoint3dArray& snapPoints,
+                                     AcDbIntArray& geomIds) const {
+        return subGetOsnapPoints(mode, gsMarker, pickPoint, lastPoint, viewXform, snapPoints,
+                                 geomIds);
     }
-    Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const { return subGetGeomExtents(extents); }
+    Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const {
+        return subGetGeomExtents(extents);
+    }
     Acad::ErrorStatus transformBy(const AcGeMatrix3d& xform) { return subTransformBy(xform); }
-    Acad::ErrorStatus getTransformedCopy(const AcGeMatrix3d& xform, AcDbEntity*& ent) const
-    {
+    Acad::ErrorStatus getTransformedCopy(const AcGeMatrix3d& xform, AcDbEntity*& ent) const {
         return subGetTransformedCopy(xform, ent);
     }
-    Acad::ErrorStatus intersectWith(const AcDbEntity* ent, AcDb::Intersect intType, AcGePoint3dArray& points,
-                                    Adesk::GsMarker thisGsMarker = 0, Adesk::GsMarker otherGsMarker = 0) const
-    {
+    Acad::ErrorStatus intersectWith(const AcDbEntity* ent, AcDb::Intersect intType,
+                                    AcGePoint3dArray& points, Adesk::GsMarker thisGsMarker = 0,
+                                    Adesk::GsMarker otherGsMarker = 0) const {
         return subIntersectWith(ent, intType, points, thisGsMarker, otherGsMarker);
     }
-    Acad::ErrorStatus intersectWith(const AcDbEntity* ent, AcDb::Intersect intType, const AcGePlane& projPlane,
-                                    AcGePoint3dArray& points, Adesk::GsMarker thisGsMarker = 0,
-                                    Adesk::GsMarker otherGsMarker = 0) const
-    {
+    Acad::ErrorStatus intersectWith(const AcDbEntity* ent, AcDb::Intersect intType,
+                                    const AcGePlane& projPlane, AcGePoint3dArray& points,
+                                    Adesk::GsMarker thisGsMarker = 0,
+                                    Adesk::GsMarker otherGsMarker = 0) const {
         return subIntersectWith(ent, intType, projPlane, points, thisGsMarker, otherGsMarker);
     }
     void saveAs(AcGiWorldDraw* mode, AcDb::SaveType st) { subSaveAs(mode, st); }
@@ -239,22 +250,27 @@ public:
     virtual Acad::ErrorStatus subExplode(AcDbVoidPtrArray& entities) const;
     virtual Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& grips, AcDbIntArray& osnapModes,
                                                AcDbIntArray& geomIds) const;
-    virtual Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset);
+    virtual Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices,
+                                                  const AcGeVector3d& offset);
     virtual Acad::ErrorStatus subGetStretchPoints(AcGePoint3dArray& pts) const;
-    virtual Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset);
-    virtual Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode mode, Adesk::GsMarker gsMarker,
-                                                const AcGePoint3d& pickPoint, const AcGePoint3d& lastPoint,
-                                                const AcGeMatrix3d& viewXform, AcGePoint3dArray& snapPoints,
-                                                AcDbIntArray& geomIds) const;
+    virtual Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices,
+                                                     const AcGeVector3d& offset);
+    virtual Acad::ErrorStatus
+    subGetOsnapPoints(AcDb::OsnapMode mode, Adesk::GsMarker gsMarker, const AcGePoint3d& pickPoint,
+                      const AcGePoint3d& lastPoint, const AcGeMatrix3d& viewXform,
+                      AcGePoint3dArray& snapPoints, AcDbIntArray& geomIds) const;
     virtual Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const;
     virtual Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& xform);
-    virtual Acad::ErrorStatus subGetTransformedCopy(const AcGeMatrix3d& xform, AcDbEntity*& ent) const;
+    virtual Acad::ErrorStatus subGetTransformedCopy(const AcGeMatrix3d& xform,
+                                                    AcDbEntity*& ent) const;
     virtual Acad::ErrorStatus subIntersectWith(const AcDbEntity* ent, AcDb::Intersect intType,
-                                               AcGePoint3dArray& points, Adesk::GsMarker thisGsMarker,
+                                               AcGePoint3dArray& points,
+                                               Adesk::GsMarker thisGsMarker,
                                                Adesk::GsMarker otherGsMarker) const;
     virtual Acad::ErrorStatus subIntersectWith(const AcDbEntity* ent, AcDb::Intersect intType,
                                                const AcGePlane& projPlane, AcGePoint3dArray& points,
-                                               Adesk::GsMarker thisGsMarker, Adesk::GsMarker otherGsMarker) const;
+                                               Adesk::GsMarker thisGsMarker,
+                                               Adesk::GsMarker otherGsMarker) const;
     virtual void subSaveAs(AcGiWorldDraw* mode, AcDb::SaveType st);
     // Sets colour, layer, linetype and lineweight on the drawing traits.
     Adesk::UInt32 subSetAttributes(AcGiDrawableTraits* traits) override;
@@ -284,8 +300,7 @@ public:
 
     // Makes obj resident: gives it a handle and leaves it open for write.
     Acad::ErrorStatus addAcDbObject(AcDbObjectId& id, AcDbObject* obj);
-    Acad::ErrorStatus addAcDbObject(AcDbObject* obj)
-    {
+    Acad::ErrorStatus addAcDbObject(AcDbObject* obj) {
         AcDbObjectId id;
         return addAcDbObject(id, obj);
     }
@@ -299,10 +314,13 @@ public:
     AcDbObjectId namedObjectsDictionaryId() const { return mNamedObjects; }
     Acad::ErrorStatus getBlockTable(AcDbBlockTable*& table, AcDb::OpenMode mode = AcDb::kForRead);
     Acad::ErrorStatus getLayerTable(AcDbLayerTable*& table, AcDb::OpenMode mode = AcDb::kForRead);
-    Acad::ErrorStatus getLinetypeTable(AcDbLinetypeTable*& table, AcDb::OpenMode mode = AcDb::kForRead);
-    Acad::ErrorStatus getTextStyleTable(AcDbTextStyleTable*& table, AcDb::OpenMode mode = AcDb::kForRead);
+    Acad::ErrorStatus getLinetypeTable(AcDbLinetypeTable*& table,
+                                       AcDb::OpenMode mode = AcDb::kForRead);
+    Acad::ErrorStatus getTextStyleTable(AcDbTextStyleTable*& table,
+                                        AcDb::OpenMode mode = AcDb::kForRead);
     Acad::ErrorStatus getRegAppTable(AcDbRegAppTable*& table, AcDb::OpenMode mode = AcDb::kForRead);
-    Acad::ErrorStatus getNamedObjectsDictionary(AcDbDictionary*& dict, AcDb::OpenMode mode = AcDb::kForRead);
+    Acad::ErrorStatus getNamedObjectsDictionary(AcDbDictionary*& dict,
+                                                AcDb::OpenMode mode = AcDb::kForRead);
     AcDbObjectId currentSpaceId() const;
     AcDbObjectId modelSpaceId() const;
     AcDbObjectId paperSpaceId() const;
@@ -340,7 +358,8 @@ public:
     // Extents of the visible model-space entities.
     Acad::ErrorStatus updateExt(bool bExact = false);
 
-    // Drawing files (.qdb). Reading replaces the contents of a database made without a default drawing.
+    // Drawing files (.qdb). Reading replaces the contents of a database made without a default
+    // drawing.
     Acad::ErrorStatus readDwgFile(const ACHAR* fileName);
     Acad::ErrorStatus saveAs(const ACHAR* fileName);
     const ACHAR* originalFileName() const { return mFileName.c_str(); }
@@ -367,7 +386,8 @@ private:
 
     std::map<Adesk::UInt64, std::unique_ptr<AcDbStub>> mStubs;
     Adesk::UInt64 mNextHandle = 1;
-    AcDbObjectId mBlockTable, mLayerTable, mLinetypeTable, mTextStyleTable, mRegAppTable, mNamedObjects;
+    AcDbObjectId mBlockTable, mLayerTable, mLinetypeTable, mTextStyleTable, mRegAppTable,
+        mNamedObjects;
     Header mHeader;
     std::wstring mFileName, mLastError;
 };
@@ -382,4 +402,6 @@ private:
     AcDbDatabase* mWorking = nullptr;
 };
 AcDbHostApplicationServices* acdbHostApplicationServices();
-inline AcDbDatabase* acdbCurDwg() { return acdbHostApplicationServices()->workingDatabase(); }
+inline AcDbDatabase* acdbCurDwg() {
+    return acdbHostApplicationServices()->workingDatabase();
+}

@@ -17,8 +17,16 @@ struct AcDbClassRecord {
 class AcDbProxyObject : public AcDbObject {
 public:
     ACRX_DECLARE_MEMBERS(AcDbProxyObject);
-    enum ProxyFlags { kNoOperation = 0, kEraseAllowed = 0x1, kAllButCloningAllowed = 0x7F, kCloningAllowed = 0x80,
-                      kAllAllowedBits = 0xFF, kMergeIgnore = 0, kMergeReplace = 0x100, kMergeMangleName = 0x200 };
+    enum ProxyFlags {
+        kNoOperation = 0,
+        kEraseAllowed = 0x1,
+        kAllButCloningAllowed = 0x7F,
+        kCloningAllowed = 0x80,
+        kAllAllowedBits = 0xFF,
+        kMergeIgnore = 0,
+        kMergeReplace = 0x100,
+        kMergeMangleName = 0x200
+    };
 
     AcDbProxyObject() = default;
     AcDbProxyObject(AcDbClassRecord record, std::vector<std::uint8_t> data);
@@ -38,11 +46,23 @@ private:
 class AcDbProxyEntity : public AcDbEntity {
 public:
     ACRX_DECLARE_MEMBERS(AcDbProxyEntity);
-    enum ProxyFlags { kNoOperation = 0, kEraseAllowed = 0x1, kTransformAllowed = 0x2, kColorChangeAllowed = 0x4,
-                      kLayerChangeAllowed = 0x8, kLinetypeChangeAllowed = 0x10, kLinetypeScaleChangeAllowed = 0x20,
-                      kVisibilityChangeAllowed = 0x40, kCloningAllowed = 0x80, kLineWeightChangeAllowed = 0x100,
-                      kPlotStyleNameChangeAllowed = 0x200, kAllButCloningAllowed = 0x37F,
-                      kAllAllowedBits = 0x3FF, kDisableProxyWarning = 0x400, kMaterialChangeAllowed = 0x800 };
+    enum ProxyFlags {
+        kNoOperation = 0,
+        kEraseAllowed = 0x1,
+        kTransformAllowed = 0x2,
+        kColorChangeAllowed = 0x4,
+        kLayerChangeAllowed = 0x8,
+        kLinetypeChangeAllowed = 0x10,
+        kLinetypeScaleChangeAllowed = 0x20,
+        kVisibilityChangeAllowed = 0x40,
+        kCloningAllowed = 0x80,
+        kLineWeightChangeAllowed = 0x100,
+        kPlotStyleNameChangeAllowed = 0x200,
+        kAllButCloningAllowed = 0x37F,
+        kAllAllowedBits = 0x3FF,
+        kDisableProxyWarning = 0x400,
+        kMaterialChangeAllowed = 0x800
+    };
 
     AcDbProxyEntity() = default;
     AcDbProxyEntity(AcDbClassRecord record, std::vector<std::uint8_t> data);

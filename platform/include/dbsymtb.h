@@ -15,7 +15,8 @@ class AcDbSymbolTable : public AcDbObject {
 public:
     ACRX_DECLARE_MEMBERS(AcDbSymbolTable);
 
-    Acad::ErrorStatus getAt(const ACHAR* name, AcDbObjectId& id, bool getErasedRecord = false) const;
+    Acad::ErrorStatus getAt(const ACHAR* name, AcDbObjectId& id,
+                            bool getErasedRecord = false) const;
     Acad::ErrorStatus getAt(const ACHAR* name, AcDbSymbolTableRecord*& rec, AcDb::OpenMode mode,
                             bool openErasedRec = false) const;
     bool has(const ACHAR* name) const;
@@ -23,7 +24,8 @@ public:
     // Makes the record resident, owned by this table; it stays open for write.
     Acad::ErrorStatus add(AcDbSymbolTableRecord* rec);
     Acad::ErrorStatus add(AcDbObjectId& id, AcDbSymbolTableRecord* rec);
-    Acad::ErrorStatus newIterator(AcDbSymbolTableIterator*& it, bool atBeginning = true, bool skipDeleted = true) const;
+    Acad::ErrorStatus newIterator(AcDbSymbolTableIterator*& it, bool atBeginning = true,
+                                  bool skipDeleted = true) const;
     const std::vector<AcDbObjectId>& recordIds() const { return mRecords; }
 
     Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
@@ -40,7 +42,8 @@ public:
     bool done() const;
     void step(bool forward = true, bool skipDeleted = true);
     Acad::ErrorStatus getRecordId(AcDbObjectId& id) const;
-    Acad::ErrorStatus getRecord(AcDbSymbolTableRecord*& rec, AcDb::OpenMode mode, bool openErasedRec = false) const;
+    Acad::ErrorStatus getRecord(AcDbSymbolTableRecord*& rec, AcDb::OpenMode mode,
+                                bool openErasedRec = false) const;
 
 private:
     void skip(bool forward);
@@ -83,7 +86,8 @@ class AcDbBlockTableRecord : public AcDbSymbolTableRecord {
 public:
     ACRX_DECLARE_MEMBERS(AcDbBlockTableRecord);
 
-    // The record must be resident; the entity becomes resident, owned by it, and stays open for write.
+    // The record must be resident; the entity becomes resident, owned by it, and stays open for
+    // write.
     Acad::ErrorStatus appendAcDbEntity(AcDbEntity* ent);
     Acad::ErrorStatus appendAcDbEntity(AcDbObjectId& id, AcDbEntity* ent);
     Acad::ErrorStatus newIterator(AcDbBlockTableRecordIterator*& it, bool atBeginning = true,
@@ -113,7 +117,8 @@ public:
     bool done() const;
     void step(bool forward = true, bool skipDeleted = true);
     Acad::ErrorStatus getEntityId(AcDbObjectId& id) const;
-    Acad::ErrorStatus getEntity(AcDbEntity*& ent, AcDb::OpenMode mode, bool openErasedEntity = false) const;
+    Acad::ErrorStatus getEntity(AcDbEntity*& ent, AcDb::OpenMode mode,
+                                bool openErasedEntity = false) const;
 
 private:
     void skip(bool forward);
@@ -122,7 +127,8 @@ private:
     bool mSkipDeleted = true;
 };
 
-// ---------------------------------------------------------------- layers, linetypes, styles, applications
+// ---------------------------------------------------------------- layers, linetypes, styles,
+// applications
 
 class AcDbLayerTable : public AcDbSymbolTable {
 public:
@@ -206,8 +212,10 @@ public:
     Acad::ErrorStatus setXScale(double s);
     double obliquingAngle() const { return mOblique; }
     Acad::ErrorStatus setObliquingAngle(double a);
-    Acad::ErrorStatus setFont(const ACHAR* typeface, bool bold, bool italic, int charset, int pitchAndFamily);
-    Acad::ErrorStatus font(ACHAR*& typeface, bool& bold, bool& italic, int& charset, int& pitchAndFamily) const;
+    Acad::ErrorStatus setFont(const ACHAR* typeface, bool bold, bool italic, int charset,
+                              int pitchAndFamily);
+    Acad::ErrorStatus font(ACHAR*& typeface, bool& bold, bool& italic, int& charset,
+                           int& pitchAndFamily) const;
     const ACHAR* typeface() const { return mTypeface.c_str(); }
 
     Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;

@@ -42,14 +42,34 @@ public:
     AcGeVector2d operator-() const { return {-x, -y}; }
     AcGeVector2d operator*(double s) const { return {x * s, y * s}; }
     AcGeVector2d operator/(double s) const { return {x / s, y / s}; }
-    AcGeVector2d& operator+=(const AcGeVector2d& v) { x += v.x; y += v.y; return *this; }
-    AcGeVector2d& operator-=(const AcGeVector2d& v) { x -= v.x; y -= v.y; return *this; }
-    AcGeVector2d& operator*=(double s) { x *= s; y *= s; return *this; }
-    AcGeVector2d& operator/=(double s) { x /= s; y /= s; return *this; }
+    AcGeVector2d& operator+=(const AcGeVector2d& v) {
+        x += v.x;
+        y += v.y;
+        return *this;
+    }
+    AcGeVector2d& operator-=(const AcGeVector2d& v) {
+        x -= v.x;
+        y -= v.y;
+        return *this;
+    }
+    AcGeVector2d& operator*=(double s) {
+        x *= s;
+        y *= s;
+        return *this;
+    }
+    AcGeVector2d& operator/=(double s) {
+        x /= s;
+        y /= s;
+        return *this;
+    }
     bool operator==(const AcGeVector2d& v) const { return isEqualTo(v); }
     bool operator!=(const AcGeVector2d& v) const { return !isEqualTo(v); }
 
-    AcGeVector2d& set(double xx, double yy) { x = xx; y = yy; return *this; }
+    AcGeVector2d& set(double xx, double yy) {
+        x = xx;
+        y = yy;
+        return *this;
+    }
     double length() const { return std::sqrt(x * x + y * y); }
     double lengthSqrd() const { return x * x + y * y; }
     double dotProduct(const AcGeVector2d& v) const { return x * v.x + y * v.y; }
@@ -59,19 +79,29 @@ public:
     double angleTo(const AcGeVector2d& v) const;
     AcGeVector2d normal(const AcGeTol& tol = AcGeContext::gTol) const;
     AcGeVector2d& normalize(const AcGeTol& tol = AcGeContext::gTol);
-    AcGeVector2d& negate() { x = -x; y = -y; return *this; }
+    AcGeVector2d& negate() {
+        x = -x;
+        y = -y;
+        return *this;
+    }
     AcGeVector2d& rotateBy(double angle);
     AcGeVector2d& transformBy(const AcGeMatrix2d& m);
     AcGeVector2d perpVector() const { return {-y, x}; }
-    bool isZeroLength(const AcGeTol& tol = AcGeContext::gTol) const { return length() <= tol.equalVector(); }
-    bool isUnitLength(const AcGeTol& tol = AcGeContext::gTol) const { return std::fabs(length() - 1.0) <= tol.equalVector(); }
+    bool isZeroLength(const AcGeTol& tol = AcGeContext::gTol) const {
+        return length() <= tol.equalVector();
+    }
+    bool isUnitLength(const AcGeTol& tol = AcGeContext::gTol) const {
+        return std::fabs(length() - 1.0) <= tol.equalVector();
+    }
     bool isEqualTo(const AcGeVector2d& v, const AcGeTol& tol = AcGeContext::gTol) const;
     bool isParallelTo(const AcGeVector2d& v, const AcGeTol& tol = AcGeContext::gTol) const;
     bool isCodirectionalTo(const AcGeVector2d& v, const AcGeTol& tol = AcGeContext::gTol) const;
     bool isPerpendicularTo(const AcGeVector2d& v, const AcGeTol& tol = AcGeContext::gTol) const;
 };
 
-inline AcGeVector2d operator*(double s, const AcGeVector2d& v) { return v * s; }
+inline AcGeVector2d operator*(double s, const AcGeVector2d& v) {
+    return v * s;
+}
 
 class AcGePoint2d {
 public:
@@ -87,16 +117,30 @@ public:
     AcGePoint2d operator+(const AcGeVector2d& v) const { return {x + v.x, y + v.y}; }
     AcGePoint2d operator-(const AcGeVector2d& v) const { return {x - v.x, y - v.y}; }
     AcGeVector2d operator-(const AcGePoint2d& p) const { return {x - p.x, y - p.y}; }
-    AcGePoint2d& operator+=(const AcGeVector2d& v) { x += v.x; y += v.y; return *this; }
-    AcGePoint2d& operator-=(const AcGeVector2d& v) { x -= v.x; y -= v.y; return *this; }
+    AcGePoint2d& operator+=(const AcGeVector2d& v) {
+        x += v.x;
+        y += v.y;
+        return *this;
+    }
+    AcGePoint2d& operator-=(const AcGeVector2d& v) {
+        x -= v.x;
+        y -= v.y;
+        return *this;
+    }
     AcGePoint2d operator*(double s) const { return {x * s, y * s}; }
     bool operator==(const AcGePoint2d& p) const { return isEqualTo(p); }
     bool operator!=(const AcGePoint2d& p) const { return !isEqualTo(p); }
 
-    AcGePoint2d& set(double xx, double yy) { x = xx; y = yy; return *this; }
+    AcGePoint2d& set(double xx, double yy) {
+        x = xx;
+        y = yy;
+        return *this;
+    }
     AcGeVector2d asVector() const { return {x, y}; }
     double distanceTo(const AcGePoint2d& p) const { return std::hypot(x - p.x, y - p.y); }
-    bool isEqualTo(const AcGePoint2d& p, const AcGeTol& tol = AcGeContext::gTol) const { return distanceTo(p) <= tol.equalPoint(); }
+    bool isEqualTo(const AcGePoint2d& p, const AcGeTol& tol = AcGeContext::gTol) const {
+        return distanceTo(p) <= tol.equalPoint();
+    }
     AcGePoint2d& rotateBy(double angle, const AcGePoint2d& wrt = kOrigin);
     AcGePoint2d& scaleBy(double s, const AcGePoint2d& wrt = kOrigin);
     AcGePoint2d& transformBy(const AcGeMatrix2d& m);
@@ -121,37 +165,75 @@ public:
     AcGeVector3d operator-() const { return {-x, -y, -z}; }
     AcGeVector3d operator*(double s) const { return {x * s, y * s, z * s}; }
     AcGeVector3d operator/(double s) const { return {x / s, y / s, z / s}; }
-    AcGeVector3d& operator+=(const AcGeVector3d& v) { x += v.x; y += v.y; z += v.z; return *this; }
-    AcGeVector3d& operator-=(const AcGeVector3d& v) { x -= v.x; y -= v.y; z -= v.z; return *this; }
-    AcGeVector3d& operator*=(double s) { x *= s; y *= s; z *= s; return *this; }
-    AcGeVector3d& operator/=(double s) { x /= s; y /= s; z /= s; return *this; }
+    AcGeVector3d& operator+=(const AcGeVector3d& v) {
+        x += v.x;
+        y += v.y;
+        z += v.z;
+        return *this;
+    }
+    AcGeVector3d& operator-=(const AcGeVector3d& v) {
+        x -= v.x;
+        y -= v.y;
+        z -= v.z;
+        return *this;
+    }
+    AcGeVector3d& operator*=(double s) {
+        x *= s;
+        y *= s;
+        z *= s;
+        return *this;
+    }
+    AcGeVector3d& operator/=(double s) {
+        x /= s;
+        y /= s;
+        z /= s;
+        return *this;
+    }
     bool operator==(const AcGeVector3d& v) const { return isEqualTo(v); }
     bool operator!=(const AcGeVector3d& v) const { return !isEqualTo(v); }
 
-    AcGeVector3d& set(double xx, double yy, double zz) { x = xx; y = yy; z = zz; return *this; }
+    AcGeVector3d& set(double xx, double yy, double zz) {
+        x = xx;
+        y = yy;
+        z = zz;
+        return *this;
+    }
     double length() const { return std::sqrt(x * x + y * y + z * z); }
     double lengthSqrd() const { return x * x + y * y + z * z; }
     double dotProduct(const AcGeVector3d& v) const { return x * v.x + y * v.y + z * v.z; }
-    AcGeVector3d crossProduct(const AcGeVector3d& v) const { return {y * v.z - z * v.y, z * v.x - x * v.z, x * v.y - y * v.x}; }
+    AcGeVector3d crossProduct(const AcGeVector3d& v) const {
+        return {y * v.z - z * v.y, z * v.x - x * v.z, x * v.y - y * v.x};
+    }
     double angleTo(const AcGeVector3d& v) const;
     // Signed angle to v about refVec, in [0, 2*pi).
     double angleTo(const AcGeVector3d& v, const AcGeVector3d& refVec) const;
     AcGeVector3d normal(const AcGeTol& tol = AcGeContext::gTol) const;
     AcGeVector3d& normalize(const AcGeTol& tol = AcGeContext::gTol);
-    AcGeVector3d& negate() { x = -x; y = -y; z = -z; return *this; }
+    AcGeVector3d& negate() {
+        x = -x;
+        y = -y;
+        z = -z;
+        return *this;
+    }
     AcGeVector3d perpVector() const;
     AcGeVector3d& rotateBy(double angle, const AcGeVector3d& axis);
     AcGeVector3d& transformBy(const AcGeMatrix3d& m);
     AcGeVector2d convert2d() const { return {x, y}; }
-    bool isZeroLength(const AcGeTol& tol = AcGeContext::gTol) const { return length() <= tol.equalVector(); }
-    bool isUnitLength(const AcGeTol& tol = AcGeContext::gTol) const { return std::fabs(length() - 1.0) <= tol.equalVector(); }
+    bool isZeroLength(const AcGeTol& tol = AcGeContext::gTol) const {
+        return length() <= tol.equalVector();
+    }
+    bool isUnitLength(const AcGeTol& tol = AcGeContext::gTol) const {
+        return std::fabs(length() - 1.0) <= tol.equalVector();
+    }
     bool isEqualTo(const AcGeVector3d& v, const AcGeTol& tol = AcGeContext::gTol) const;
     bool isParallelTo(const AcGeVector3d& v, const AcGeTol& tol = AcGeContext::gTol) const;
     bool isCodirectionalTo(const AcGeVector3d& v, const AcGeTol& tol = AcGeContext::gTol) const;
     bool isPerpendicularTo(const AcGeVector3d& v, const AcGeTol& tol = AcGeContext::gTol) const;
 };
 
-inline AcGeVector3d operator*(double s, const AcGeVector3d& v) { return v * s; }
+inline AcGeVector3d operator*(double s, const AcGeVector3d& v) {
+    return v * s;
+}
 
 class AcGePoint3d {
 public:
@@ -168,18 +250,35 @@ public:
     AcGePoint3d operator+(const AcGeVector3d& v) const { return {x + v.x, y + v.y, z + v.z}; }
     AcGePoint3d operator-(const AcGeVector3d& v) const { return {x - v.x, y - v.y, z - v.z}; }
     AcGeVector3d operator-(const AcGePoint3d& p) const { return {x - p.x, y - p.y, z - p.z}; }
-    AcGePoint3d& operator+=(const AcGeVector3d& v) { x += v.x; y += v.y; z += v.z; return *this; }
-    AcGePoint3d& operator-=(const AcGeVector3d& v) { x -= v.x; y -= v.y; z -= v.z; return *this; }
+    AcGePoint3d& operator+=(const AcGeVector3d& v) {
+        x += v.x;
+        y += v.y;
+        z += v.z;
+        return *this;
+    }
+    AcGePoint3d& operator-=(const AcGeVector3d& v) {
+        x -= v.x;
+        y -= v.y;
+        z -= v.z;
+        return *this;
+    }
     AcGePoint3d operator*(double s) const { return {x * s, y * s, z * s}; }
     bool operator==(const AcGePoint3d& p) const { return isEqualTo(p); }
     bool operator!=(const AcGePoint3d& p) const { return !isEqualTo(p); }
 
-    AcGePoint3d& set(double xx, double yy, double zz) { x = xx; y = yy; z = zz; return *this; }
+    AcGePoint3d& set(double xx, double yy, double zz) {
+        x = xx;
+        y = yy;
+        z = zz;
+        return *this;
+    }
     AcGeVector3d asVector() const { return {x, y, z}; }
     AcGePoint2d convert2d() const { return {x, y}; }
     AcGePoint2d convert2d(const AcGePlane& plane) const;
     double distanceTo(const AcGePoint3d& p) const;
-    bool isEqualTo(const AcGePoint3d& p, const AcGeTol& tol = AcGeContext::gTol) const { return distanceTo(p) <= tol.equalPoint(); }
+    bool isEqualTo(const AcGePoint3d& p, const AcGeTol& tol = AcGeContext::gTol) const {
+        return distanceTo(p) <= tol.equalPoint();
+    }
     AcGePoint3d& transformBy(const AcGeMatrix3d& m);
     AcGePoint3d& rotateBy(double angle, const AcGeVector3d& axis, const AcGePoint3d& wrt = kOrigin);
     AcGePoint3d& scaleBy(double s, const AcGePoint3d& wrt = kOrigin);
@@ -228,28 +327,32 @@ public:
     AcGeMatrix3d& preMultBy(const AcGeMatrix3d& m) { return *this = m * *this; }
     AcGeMatrix3d& postMultBy(const AcGeMatrix3d& m) { return *this = *this * m; }
     AcGeMatrix3d& setToTranslation(const AcGeVector3d& v);
-    AcGeMatrix3d& setToRotation(double angle, const AcGeVector3d& axis, const AcGePoint3d& center = AcGePoint3d::kOrigin);
+    AcGeMatrix3d& setToRotation(double angle, const AcGeVector3d& axis,
+                                const AcGePoint3d& center = AcGePoint3d::kOrigin);
     AcGeMatrix3d& setToScaling(double s, const AcGePoint3d& center = AcGePoint3d::kOrigin);
     AcGeMatrix3d& setToMirroring(const AcGePlane& plane);
     AcGeMatrix3d& setToMirroring(const AcGePoint3d& p);
     // The matrix that takes the world system to the given one (origin and axes).
-    AcGeMatrix3d& setCoordSystem(const AcGePoint3d& origin, const AcGeVector3d& xAxis, const AcGeVector3d& yAxis,
-                                 const AcGeVector3d& zAxis);
-    AcGeMatrix3d& setToAlignCoordSys(const AcGePoint3d& fromOrigin, const AcGeVector3d& fromX, const AcGeVector3d& fromY,
-                                     const AcGeVector3d& fromZ, const AcGePoint3d& toOrigin, const AcGeVector3d& toX,
+    AcGeMatrix3d& setCoordSystem(const AcGePoint3d& origin, const AcGeVector3d& xAxis,
+                                 const AcGeVector3d& yAxis, const AcGeVector3d& zAxis);
+    AcGeMatrix3d& setToAlignCoordSys(const AcGePoint3d& fromOrigin, const AcGeVector3d& fromX,
+                                     const AcGeVector3d& fromY, const AcGeVector3d& fromZ,
+                                     const AcGePoint3d& toOrigin, const AcGeVector3d& toX,
                                      const AcGeVector3d& toY, const AcGeVector3d& toZ);
     AcGeMatrix3d& setToPlaneToWorld(const AcGeVector3d& normal);
     AcGeMatrix3d& setToWorldToPlane(const AcGeVector3d& normal);
 
     static AcGeMatrix3d translation(const AcGeVector3d& v);
-    static AcGeMatrix3d rotation(double angle, const AcGeVector3d& axis, const AcGePoint3d& center = AcGePoint3d::kOrigin);
+    static AcGeMatrix3d rotation(double angle, const AcGeVector3d& axis,
+                                 const AcGePoint3d& center = AcGePoint3d::kOrigin);
     static AcGeMatrix3d scaling(double s, const AcGePoint3d& center = AcGePoint3d::kOrigin);
     static AcGeMatrix3d mirroring(const AcGePlane& plane);
     static AcGeMatrix3d mirroring(const AcGePoint3d& p);
     static AcGeMatrix3d planeToWorld(const AcGeVector3d& normal);
     static AcGeMatrix3d worldToPlane(const AcGeVector3d& normal);
-    static AcGeMatrix3d alignCoordSys(const AcGePoint3d& fromOrigin, const AcGeVector3d& fromX, const AcGeVector3d& fromY,
-                                      const AcGeVector3d& fromZ, const AcGePoint3d& toOrigin, const AcGeVector3d& toX,
+    static AcGeMatrix3d alignCoordSys(const AcGePoint3d& fromOrigin, const AcGeVector3d& fromX,
+                                      const AcGeVector3d& fromY, const AcGeVector3d& fromZ,
+                                      const AcGePoint3d& toOrigin, const AcGeVector3d& toX,
                                       const AcGeVector3d& toY, const AcGeVector3d& toZ);
 
     AcGeVector3d translation() const { return {entry[0][3], entry[1][3], entry[2][3]}; }
@@ -262,5 +365,6 @@ public:
     // Largest length of the images of the unit axes: the factor by which lengths grow.
     double scale() const;
     bool isUniScaledOrtho(const AcGeTol& tol = AcGeContext::gTol) const;
-    void getCoordSystem(AcGePoint3d& origin, AcGeVector3d& x, AcGeVector3d& y, AcGeVector3d& z) const;
+    void getCoordSystem(AcGePoint3d& origin, AcGeVector3d& x, AcGeVector3d& y,
+                        AcGeVector3d& z) const;
 };

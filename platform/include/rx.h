@@ -1,8 +1,8 @@
 // Run-time classes, the system registry and module loading.
 #pragma once
 
-#include "adesk.h"
 #include "acstatus.h"
+#include "adesk.h"
 
 #include <string>
 #include <unordered_map>
@@ -38,9 +38,9 @@ enum Ordering { kLessThan = -1, kEqual = 0, kGreaterThan = 1, kNotOrderable = 2 
 constexpr unsigned int kQorApiVersion = 0x00120000;
 
 // Declares the run-time identity of a platform class.
-#define ACRX_DECLARE_MEMBERS(CLASS)                                                                 \
-    static AcRxClass* desc();                                                                       \
-    static CLASS* cast(const AcRxObject* p);                                                        \
+#define ACRX_DECLARE_MEMBERS(CLASS)                                                                \
+    static AcRxClass* desc();                                                                      \
+    static CLASS* cast(const AcRxObject* p);                                                       \
     AcRxClass* isA() const override
 
 class AcRxObject {
@@ -70,7 +70,10 @@ public:
     const ACHAR* parentName() const { return mParentName.c_str(); }
     AcRxClass* myParent() const { return mParent; }
     int proxyFlags() const { return mProxyFlags; }
-    int dwgVersion(int& maintVer) const { maintVer = mMaintVer; return mDwgVer; }
+    int dwgVersion(int& maintVer) const {
+        maintVer = mMaintVer;
+        return mDwgVer;
+    }
     AcRxPseudoConstructor constructor() const { return mConstructor; }
     AppNameChangeFuncPtr appNameCallbackPtr() const { return mAppNameChange; }
     // The module that registered the class; empty for the platform's own classes.
@@ -83,7 +86,8 @@ private:
     friend AcRxClass* newAcRxClass(const ACHAR*, const ACHAR*, int, int, int, AcRxPseudoConstructor,
                                    const ACHAR*, const ACHAR*, AppNameChangeFuncPtr);
     friend void acrxBuildClassHierarchy();
-    friend AcRxClass* acrxRegisterPlatformClass(const ACHAR*, AcRxClass*, AcRxPseudoConstructor, const ACHAR*);
+    friend AcRxClass* acrxRegisterPlatformClass(const ACHAR*, AcRxClass*, AcRxPseudoConstructor,
+                                                const ACHAR*);
 
     std::wstring mName, mParentName, mDxfName, mAppName, mModule;
     AcRxClass* mParent = nullptr;
@@ -119,7 +123,10 @@ class AcRxDictionaryIterator {
 public:
     explicit AcRxDictionaryIterator(const AcRxDictionary* d);
     bool done() const { return mIndex >= mKeys.size(); }
-    bool next() { ++mIndex; return !done(); }
+    bool next() {
+        ++mIndex;
+        return !done();
+    }
     const ACHAR* key() const { return mKeys[mIndex].c_str(); }
     AcRxObject* object() const;
 
@@ -139,29 +146,28 @@ public:
 #define ACRX_SERVICE_DICTIONARY L"ServiceDictionary"
 
 AcRxDictionary* acrxSysRegistry();
-inline AcRxDictionary* acrxClassDictionary()
-{
+inline AcRxDictionary* acrxClassDictionary() {
     return static_cast<AcRxDictionary*>(acrxSysRegistry()->at(ACRX_CLASS_DICTIONARY));
 }
-inline AcRxDictionary* acrxServiceDictionary()
-{
+inline AcRxDictionary* acrxServiceDictionary() {
     return static_cast<AcRxDictionary*>(acrxSysRegistry()->at(ACRX_SERVICE_DICTIONARY));
 }
 
-AcRxClass* newAcRxClass(const ACHAR* className, const ACHAR* parentClassName, int dwgVer, int maintVer,
-                        int proxyFlags = 0, AcRxPseudoConstructor pseudoConstructor = nullptr,
+AcRxClass* newAcRxClass(const ACHAR* className, const ACHAR* parentClassName, int dwgVer,
+                        int maintVer, int proxyFlags = 0,
+                        AcRxPseudoConstructor pseudoConstructor = nullptr,
                         const ACHAR* dxfName = nullptr, const ACHAR* appName = nullptr,
                         AppNameChangeFuncPtr func = nullptr);
 AcRxClass* newAcRxClass(const ACHAR* className, const ACHAR* parentClassName, int proxyFlags = 0,
-                        AcRxPseudoConstructor pseudoConstructor = nullptr, const ACHAR* dxfName = nullptr,
-                        const ACHAR* appName = nullptr);
+                        AcRxPseudoConstructor pseudoConstructor = nullptr,
+                        const ACHAR* dxfName = nullptr, const ACHAR* appName = nullptr);
 // Removes a class from the class dictionary and deletes it.
 void deleteAcRxClass(AcRxClass* pClassObj);
 // Resolves every class's parent by name.
 void acrxBuildClassHierarchy();
 // Registers one of the platform's own classes (used by the platform's class definitions).
-AcRxClass* acrxRegisterPlatformClass(const ACHAR* name, AcRxClass* parent, AcRxPseudoConstructor ctor,
-                                     const ACHAR* dxfName);
+AcRxClass* acrxRegisterPlatformClass(const ACHAR* name, AcRxClass* parent,
+                                     AcRxPseudoConstructor ctor, const ACHAR* dxfName);
 
 AcRxObject* acrxRegisterService(const ACHAR* serviceName);
 bool acrxServiceIsRegistered(const ACHAR* serviceName);
@@ -183,23 +189,28 @@ bool acrxRegisterAppMDIAware(void* appId);
 // Ends the process after printing the message, as the platform does.
 [[noreturn]] void acrx_abort(const ACHAR* format, ...);
 
-template <class T> inline T* AcRxCast(const AcRxObject* p) { return T::cast(p); }
+template <class T> inline T* AcRxCast(const AcRxObject* p) {
+    return T::cast(p);
+}
 
 // Defines the identity of a platform class: lazy registration in the class dictionary.
-#define ACRX_DEFINE_MEMBERS_IMPL(CLASS, PARENT, CTOR, DXF)                                          \
-    AcRxClass* CLASS::desc()                                                                        \
-    {                                                                                               \
-        static AcRxClass* s = acrxRegisterPlatformClass(L## #CLASS, PARENT::desc(), CTOR, DXF);     \
-        return s;                                                                                   \
-    }                                                                                               \
-    CLASS* CLASS::cast(const AcRxObject* p)                                                         \
-    {                                                                                               \
+#define ACRX_DEFINE_MEMBERS_IMPL(CLASS, PARENT, CTOR, DXF)                                         \
+    AcRxClass* CLASS::desc() {                                                                     \
+        static AcRxClass* s = acrxRegisterPlatformClass(L## #CLASS, PARENT::desc(), CTOR, DXF);    \
+        return s;                                                                                  \
+    }                                                                                              \
+    CLASS* CLASS::cast(const AcRxObject* p) {                                                      \
         return (p && p->isKindOf(CLASS::desc())) ? static_cast<CLASS*>(const_cast<AcRxObject*>(p)) \
-                                                 : nullptr;                                         \
-    }                                                                                               \
-    AcRxClass* CLASS::isA() const { return CLASS::desc(); }
+                                                 : nullptr;                                        \
+    }                                                                                              \
+    AcRxClass* CLASS::isA() const {                                                                \
+        return CLASS::desc();                                                                      \
+    }
 
-#define ACRX_NO_CONS_DEFINE_MEMBERS(CLASS, PARENT) ACRX_DEFINE_MEMBERS_IMPL(CLASS, PARENT, nullptr, nullptr)
-#define ACRX_CONS_DEFINE_MEMBERS(CLASS, PARENT, DXF)                                                \
-    static AcRxObject* make##CLASS() { return new CLASS(); }                                        \
+#define ACRX_NO_CONS_DEFINE_MEMBERS(CLASS, PARENT)                                                 \
+    ACRX_DEFINE_MEMBERS_IMPL(CLASS, PARENT, nullptr, nullptr)
+#define ACRX_CONS_DEFINE_MEMBERS(CLASS, PARENT, DXF)                                               \
+    static AcRxObject* make##CLASS() {                                                             \
+        return new CLASS();                                                                        \
+    }                                                                                              \
     ACRX_DEFINE_MEMBERS_IMPL(CLASS, PARENT, make##CLASS, DXF)

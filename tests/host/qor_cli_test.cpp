@@ -2,6 +2,7 @@
 #include "dbents.h"
 #include "dbmain.h"
 #include "dbsymtb.h"
+#include "support/sqlfile.h"
 #include "support/tempdir.h"
 #include "winstr.h"
 
@@ -20,30 +21,30 @@ struct CliRun {
 };
 
 // Runs qor with the arguments; standard error is folded into the output.
-CliRun qor(const std::string& args)
-{
+CliRun qor(const std::string& args) {
     CliRun r;
-    const std::string cmd = std::string("QOR_MODULE='") + QOR_MODULE_PATH + "' '" + QOR_BIN_DIR + "/qor' " + args + " 2>&1";
+    const std::string cmd = std::string("QOR_MODULE='") + QOR_MODULE_PATH + "' '" + QOR_BIN_DIR +
+                            "/qor' " + args + " 2>&1";
     FILE* p = popen(cmd.c_str(), "r");
     if (!p) return r;
     char buf[4096];
     size_t n;
-    while ((n = fread(buf, 1, sizeof buf, p)) > 0) r.out.append(buf, n);
+    while ((n = fread(buf, 1, sizeof buf, p)) > 0)
+        r.out.append(buf, n);
     int status = pclose(p);
     r.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return r;
 }
 
-TEST(QorCli, ClassesListsTheModuleClasses)
-{
+TEST(QorCli, ClassesListsTheModuleClasses) {
     CliRun r = qor("classes");
     EXPECT_EQ(r.status, 0) << r.out;
     EXPECT_NE(r.out.find("classes"), std::string::npos);
-    EXPECT_EQ(r.out.find("AcDbPolyline"), std::string::npos) << "platform classes are not the module's";
+    EXPECT_EQ(r.out.find("AcDbPolyline"), std::string::npos)
+        << "platform classes are not the module's";
 }
 
-TEST(QorCli, ListPrintsEveryEntity)
-{
+TEST(QorCli, ListPrintsEveryEntity) {
     TempDir dir;
     const std::wstring file = dir.file("site.qdb");
     {
@@ -68,8 +69,7 @@ TEST(QorCli, ListPrintsEveryEntity)
     EXPECT_EQ(bare.status, 0) << bare.out;
 }
 
-TEST(QorCli, BadFilesGiveAClearErrorAndANonZeroExit)
-{
+TEST(QorCli, BadFilesGiveAClearErrorAndANonZeroExit) {
     TempDir dir;
     CliRun missing = qor("list '" + dir.path().string() + "/missing.qdb'");
     EXPECT_NE(missing.status, 0);
@@ -81,6 +81,25 @@ TEST(QorCli, BadFilesGiveAClearErrorAndANonZeroExit)
     CliRun garbage = qor("list '" + junk + "'");
     EXPECT_NE(garbage.status, 0);
     EXPECT_NE(garbage.out.find("junk.qdb"), std::string::npos) << garbage.out;
+
+    // A drawing whose one object stream is garbled: the reader refuses it and says which.
+    const std::wstring site = dir.file("garbled.qdb");
+    {
+        AcDbDatabase db;
+        AcDbBlockTableRecord* ms = nullptr;
+        ASSERT_EQ(acdbOpenObject(ms, db.modelSpaceId(), AcDb::kForWrite), Acad::eOk);
+        auto* line = new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(3, 4, 0));
+        ASSERT_EQ(ms->appendAcDbEntity(line), Acad::eOk);
+        line->close();
+        ms->close();
+        ASSERT_EQ(db.saveAs(site.c_str()), Acad::eOk);
+    }
+    execOn(site, "UPDATE objects SET data = substr(data, 1, 7) WHERE class = (SELECT id FROM "
+                 "classes WHERE name = 'AcDbLine')");
+    CliRun garbled = qor("list '" + qorToUtf8(site) + "'");
+    EXPECT_NE(garbled.status, 0);
+    EXPECT_NE(garbled.out.find("qor: "), std::string::npos) << garbled.out;
+    EXPECT_NE(garbled.out.find("AcDbLine"), std::string::npos) << garbled.out;
 
     CliRun noArgs = qor("");
     EXPECT_NE(noArgs.status, 0);

@@ -16,20 +16,20 @@ class TestQorThing : public AcDbEntity {
 };
 QOR_DEFINE_MEMBERS(TestQorThing, AcDbEntity, L"QOR_TESTTHING", L"QOROBJ", 3071)
 
-std::vector<std::wstring> classNames()
-{
+std::vector<std::wstring> classNames() {
     std::vector<std::wstring> names;
-    for (AcRxDictionaryIterator it(acrxClassDictionary()); !it.done(); it.next()) names.emplace_back(it.key());
+    for (AcRxDictionaryIterator it(acrxClassDictionary()); !it.done(); it.next())
+        names.emplace_back(it.key());
     return names;
 }
 
-TEST(ModuleEntry, InitialisationRegistersServiceAndImageSupportAndIsIdempotent)
-{
+TEST(ModuleEntry, InitialisationRegistersServiceAndImageSupportAndIsIdempotent) {
     EXPECT_EQ(acrxGetApiVersion(), 0x00120000u);
     ASSERT_EQ(acrxEntryPoint(AcRx::kInitAppMsg, nullptr), AcRx::kRetOK);
     EXPECT_TRUE(acrxServiceIsRegistered(L"QOROBJ_DBXSERVICE"));
     EXPECT_NE(acrxClassDictionary()->at(L"AcDbRasterImage"), nullptr);
-    for (const QorClassRow& row : qorClassTable()) EXPECT_NE(row.desc(), nullptr);
+    for (const QorClassRow& row : qorClassTable())
+        EXPECT_NE(row.desc(), nullptr);
     const auto before = classNames();
     AcRxObject* service = acrxServiceDictionary()->at(L"QOROBJ_DBXSERVICE");
     ASSERT_EQ(acrxEntryPoint(AcRx::kInitAppMsg, nullptr), AcRx::kRetOK);
@@ -38,11 +38,13 @@ TEST(ModuleEntry, InitialisationRegistersServiceAndImageSupportAndIsIdempotent)
 
     // Names first: after unload the descriptors are deleted and desc() is stale.
     std::vector<std::wstring> moduleNames;
-    for (const QorClassRow& row : qorClassTable()) moduleNames.emplace_back(row.desc()->name());
+    for (const QorClassRow& row : qorClassTable())
+        moduleNames.emplace_back(row.desc()->name());
     ASSERT_FALSE(moduleNames.empty());
     EXPECT_EQ(acrxEntryPoint(AcRx::kUnloadAppMsg, nullptr), AcRx::kRetOK);
     EXPECT_FALSE(acrxServiceIsRegistered(L"QOROBJ_DBXSERVICE"));
-    for (const std::wstring& name : moduleNames) EXPECT_EQ(acrxClassDictionary()->at(name.c_str()), nullptr) << name.size();
+    for (const std::wstring& name : moduleNames)
+        EXPECT_EQ(acrxClassDictionary()->at(name.c_str()), nullptr) << name.size();
     // Other messages are ignored and still answered with success.
     EXPECT_EQ(acrxEntryPoint(AcRx::kQuitMsg, nullptr), AcRx::kRetOK);
     // The image module was loaded three times (twice on first start) and unloaded once: it stays.
@@ -50,8 +52,7 @@ TEST(ModuleEntry, InitialisationRegistersServiceAndImageSupportAndIsIdempotent)
     EXPECT_NE(acrxClassDictionary()->at(L"AcDbRasterImage"), nullptr);
 }
 
-TEST(ModuleEntry, ClassRegistrationRecordAndIdentity)
-{
+TEST(ModuleEntry, ClassRegistrationRecordAndIdentity) {
     TestQorThing::rxInit();
     AcRxClass* desc = TestQorThing::desc();
     ASSERT_NE(desc, nullptr);
@@ -87,8 +88,7 @@ TEST(ModuleEntry, ClassRegistrationRecordAndIdentity)
     deleteAcRxClass(TestQorThing::desc());
 }
 
-TEST(ModuleEntryDeathTest, AnotherClassUnderTheSameNameAbortsTheHost)
-{
+TEST(ModuleEntryDeathTest, AnotherClassUnderTheSameNameAbortsTheHost) {
     EXPECT_DEATH(
         {
             TestQorThing::rxInit();

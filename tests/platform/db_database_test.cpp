@@ -10,8 +10,7 @@
 
 namespace {
 
-AcDbObjectId appendToModelSpace(AcDbDatabase& db, AcDbEntity* ent)
-{
+AcDbObjectId appendToModelSpace(AcDbDatabase& db, AcDbEntity* ent) {
     AcDbBlockTableRecord* ms = nullptr;
     EXPECT_EQ(acdbOpenObject(ms, db.modelSpaceId(), AcDb::kForWrite), Acad::eOk);
     AcDbObjectId id;
@@ -21,8 +20,7 @@ AcDbObjectId appendToModelSpace(AcDbDatabase& db, AcDbEntity* ent)
     return id;
 }
 
-TEST(DbDatabase, DefaultDrawingHasItsTablesSpacesAndRecords)
-{
+TEST(DbDatabase, DefaultDrawingHasItsTablesSpacesAndRecords) {
     AcDbDatabase db;
     EXPECT_FALSE(db.modelSpaceId().isNull());
     EXPECT_FALSE(db.paperSpaceId().isNull());
@@ -46,10 +44,10 @@ TEST(DbDatabase, DefaultDrawingHasItsTablesSpacesAndRecords)
     EXPECT_EQ(empty.numObjects(), 0u);
 }
 
-TEST(DbDatabase, OpenCloseProtocol)
-{
+TEST(DbDatabase, OpenCloseProtocol) {
     AcDbDatabase db;
-    AcDbObjectId id = appendToModelSpace(db, new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0)));
+    AcDbObjectId id =
+        appendToModelSpace(db, new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0)));
     AcDbLine *w = nullptr, *r1 = nullptr, *r2 = nullptr;
     ASSERT_EQ(acdbOpenObject(w, id, AcDb::kForWrite), Acad::eOk);
     EXPECT_EQ(acdbOpenObject(r1, id, AcDb::kForRead), Acad::eWasOpenForWrite);
@@ -76,8 +74,7 @@ TEST(DbDatabase, OpenCloseProtocol)
     w->close();
 }
 
-TEST(DbDatabase, AppendedEntitiesAreOwnedAndTakeTheCurrentLayer)
-{
+TEST(DbDatabase, AppendedEntitiesAreOwnedAndTakeTheCurrentLayer) {
     AcDbDatabase db;
     auto* layer = new AcDbLayerTableRecord();
     layer->setName(L"道路");
@@ -120,8 +117,7 @@ TEST(DbDatabase, AppendedEntitiesAreOwnedAndTakeTheCurrentLayer)
     EXPECT_EQ(count, 1);
 }
 
-TEST(DbDatabase, EntityPropertiesResolveByName)
-{
+TEST(DbDatabase, EntityPropertiesResolveByName) {
     AcDbDatabase db;
     acdbHostApplicationServices()->setWorkingDatabase(&db);
     AcDbLine line;
@@ -140,11 +136,10 @@ TEST(DbDatabase, EntityPropertiesResolveByName)
     acdbHostApplicationServices()->setWorkingDatabase(nullptr);
 }
 
-TEST(DbDatabase, ExtendedDataIsKeptPerApplication)
-{
+TEST(DbDatabase, ExtendedDataIsKeptPerApplication) {
     AcDbLine line;
-    resbuf* a = acutBuildList(AcDb::kDxfRegAppName, L"QOROBJ", AcDb::kDxfXdAsciiString, L"道路", AcDb::kDxfXdReal,
-                              7.5, 0);
+    resbuf* a = acutBuildList(AcDb::kDxfRegAppName, L"QOROBJ", AcDb::kDxfXdAsciiString, L"道路",
+                              AcDb::kDxfXdReal, 7.5, 0);
     resbuf* b = acutBuildList(AcDb::kDxfRegAppName, L"OTHER", AcDb::kDxfXdInteger16, 3, 0);
     ASSERT_EQ(line.setXData(a), Acad::eOk);
     ASSERT_EQ(line.setXData(b), Acad::eOk);
@@ -171,8 +166,7 @@ TEST(DbDatabase, ExtendedDataIsKeptPerApplication)
     acutRelRb(clear);
 }
 
-TEST(DbDatabase, DictionariesOwnTheirEntries)
-{
+TEST(DbDatabase, DictionariesOwnTheirEntries) {
     AcDbDatabase db;
     AcDbDictionary* nod = nullptr;
     ASSERT_EQ(db.getNamedObjectsDictionary(nod, AcDb::kForWrite), Acad::eOk);
@@ -205,8 +199,7 @@ TEST(DbDatabase, DictionariesOwnTheirEntries)
     acutRelRb(chain);
 }
 
-TEST(DbDatabase, HandlesParseAndPrintInHexadecimal)
-{
+TEST(DbDatabase, HandlesParseAndPrintInHexadecimal) {
     EXPECT_EQ(AcDbHandle(L"1f").value(), 0x1Fu);
     EXPECT_EQ(AcDbHandle(L"zz").value(), 0u);
     EXPECT_EQ(AcDbHandle(L"").value(), 0u);

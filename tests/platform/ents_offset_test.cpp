@@ -19,7 +19,8 @@ constexpr double kPi = 3.14159265358979323846;
 BulgePath path(std::initializer_list<std::array<double, 3>> verts, bool closed = false) {
     BulgePath p;
     p.closed = closed;
-    for (const auto& v : verts) p.verts.push_back({AcGePoint2d(v[0], v[1]), v[2]});
+    for (const auto& v : verts)
+        p.verts.push_back({AcGePoint2d(v[0], v[1]), v[2]});
     return p;
 }
 
@@ -36,7 +37,8 @@ void expectVerts(const BulgePath& got, std::initializer_list<std::array<double, 
 
 std::unique_ptr<AcDbPolyline> pline(const BulgePath& p) {
     auto pl = std::make_unique<AcDbPolyline>();
-    for (unsigned i = 0; i < p.verts.size(); ++i) pl->addVertexAt(i, p.verts[i].pt, p.verts[i].bulge);
+    for (unsigned i = 0; i < p.verts.size(); ++i)
+        pl->addVertexAt(i, p.verts[i].pt, p.verts[i].bulge);
     pl->setClosed(p.closed);
     return pl;
 }

@@ -4,6 +4,7 @@
 #include "dbmain.h"
 #include "dbproxy.h"
 #include "dbsymtb.h"
+#include "support/sqlfile.h"
 #include "support/tempdir.h"
 #include "winstr.h"
 
@@ -24,23 +25,22 @@ public:
 
     static AcRxClass* desc() { return sDesc; }
     AcRxClass* isA() const override { return sDesc; }
-    static TestTagged* cast(const AcRxObject* p)
-    {
-        return p && sDesc && p->isKindOf(sDesc) ? static_cast<TestTagged*>(const_cast<AcRxObject*>(p)) : nullptr;
+    static TestTagged* cast(const AcRxObject* p) {
+        return p && sDesc && p->isKindOf(sDesc)
+                   ? static_cast<TestTagged*>(const_cast<AcRxObject*>(p))
+                   : nullptr;
     }
-    static void rxInit()
-    {
-        sDesc = newAcRxClass(L"TestTagged", L"AcDbEntity", 29, 63, 3071, [] { return static_cast<AcRxObject*>(new TestTagged()); },
-                             L"TEST_TAGGED", L"TESTAPP");
+    static void rxInit() {
+        sDesc = newAcRxClass(
+            L"TestTagged", L"AcDbEntity", 29, 63, 3071,
+            [] { return static_cast<AcRxObject*>(new TestTagged()); }, L"TEST_TAGGED", L"TESTAPP");
     }
-    static void rxUninit()
-    {
+    static void rxUninit() {
         deleteAcRxClass(sDesc);
         sDesc = nullptr;
     }
 
-    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* f) const override
-    {
+    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* f) const override {
         if (Acad::ErrorStatus es = AcDbEntity::dwgOutFields(f); es != Acad::eOk) return es;
         f->writeUInt16(sWriteVersion);
         f->writeDouble(value);
@@ -48,8 +48,7 @@ public:
         f->writeHardPointerId(ref);
         return f->filerStatus();
     }
-    Acad::ErrorStatus dwgInFields(AcDbDwgFiler* f) override
-    {
+    Acad::ErrorStatus dwgInFields(AcDbDwgFiler* f) override {
         if (Acad::ErrorStatus es = AcDbEntity::dwgInFields(f); es != Acad::eOk) return es;
         Adesk::UInt16 version = 0;
         f->readUInt16(&version);
@@ -70,8 +69,7 @@ public:
 AcRxClass* TestTagged::sDesc = nullptr;
 Adesk::UInt16 TestTagged::sWriteVersion = 1;
 
-AcDbObjectId append(AcDbDatabase& db, AcDbEntity* ent)
-{
+AcDbObjectId append(AcDbDatabase& db, AcDbEntity* ent) {
     AcDbBlockTableRecord* ms = nullptr;
     EXPECT_EQ(acdbOpenObject(ms, db.modelSpaceId(), AcDb::kForWrite), Acad::eOk);
     AcDbObjectId id;
@@ -81,8 +79,7 @@ AcDbObjectId append(AcDbDatabase& db, AcDbEntity* ent)
     return id;
 }
 
-std::vector<unsigned char> blobOf(const std::wstring& file, Adesk::UInt64 handle)
-{
+std::vector<unsigned char> blobOf(const std::wstring& file, Adesk::UInt64 handle) {
     sqlite3* db = nullptr;
     std::vector<unsigned char> out;
     if (sqlite3_open_v2(qorToUtf8(file).c_str(), &db, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK) {
@@ -99,26 +96,16 @@ std::vector<unsigned char> blobOf(const std::wstring& file, Adesk::UInt64 handle
     return out;
 }
 
-void execOn(const std::wstring& file, const char* sql)
-{
-    sqlite3* db = nullptr;
-    ASSERT_EQ(sqlite3_open(qorToUtf8(file).c_str(), &db), SQLITE_OK);
-    ASSERT_EQ(sqlite3_exec(db, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(db);
-    sqlite3_close(db);
-}
-
 class IoStore : public ::testing::Test {
 protected:
     void SetUp() override { TestTagged::rxInit(); }
-    void TearDown() override
-    {
+    void TearDown() override {
         if (TestTagged::sDesc) TestTagged::rxUninit();
         TestTagged::sWriteVersion = 1;
     }
 
     // A drawing with one tagged entity referring to layer "0"; returns its handle.
-    Adesk::UInt64 saveTagged(const std::wstring& file)
-    {
+    Adesk::UInt64 saveTagged(const std::wstring& file) {
         AcDbDatabase db;
         auto* t = new TestTagged();
         t->value = 2.5;
@@ -133,8 +120,7 @@ protected:
     TempDir dir;
 };
 
-TEST_F(IoStore, PlainEntitiesRoundTripFieldForField)
-{
+TEST_F(IoStore, PlainEntitiesRoundTripFieldForField) {
     const std::wstring file = dir.file("plain.qdb");
     AcDbHandle plineHandle, lineHandle, circleHandle, textHandle;
     {
@@ -149,7 +135,8 @@ TEST_F(IoStore, PlainEntitiesRoundTripFieldForField)
         auto* line = new AcDbLine(AcGePoint3d(1, 2, 3), AcGePoint3d(4, 5, 6));
         line->setColorIndex(1);
         lineHandle = append(db, line).handle();
-        circleHandle = append(db, new AcDbCircle(AcGePoint3d(7, 8, 0), AcGeVector3d::kZAxis, 2.25)).handle();
+        circleHandle =
+            append(db, new AcDbCircle(AcGePoint3d(7, 8, 0), AcGeVector3d::kZAxis, 2.25)).handle();
         auto* text = new AcDbText(AcGePoint3d(1, 1, 0), L"用地红线 A-1", AcDbObjectId(), 3.5, 0.5);
         textHandle = append(db, text).handle();
         ASSERT_EQ(db.saveAs(file.c_str()), Acad::eOk);
@@ -207,8 +194,7 @@ TEST_F(IoStore, PlainEntitiesRoundTripFieldForField)
     EXPECT_GT(extraId.handle().value(), textHandle.value());
 }
 
-TEST_F(IoStore, ObjectOfAMissingClassBecomesAProxyAndKeepsItsBytes)
-{
+TEST_F(IoStore, ObjectOfAMissingClassBecomesAProxyAndKeepsItsBytes) {
     const std::wstring first = dir.file("a.qdb"), second = dir.file("b.qdb");
     const Adesk::UInt64 handle = saveTagged(first);
     TestTagged::rxUninit();
@@ -246,8 +232,7 @@ TEST_F(IoStore, ObjectOfAMissingClassBecomesAProxyAndKeepsItsBytes)
     t->close();
 }
 
-TEST_F(IoStore, ATagNewerThanTheClassKnowsGivesAProxy)
-{
+TEST_F(IoStore, ATagNewerThanTheClassKnowsGivesAProxy) {
     const std::wstring first = dir.file("new.qdb"), second = dir.file("again.qdb");
     TestTagged::sWriteVersion = TestTagged::kHighest + 1;
     const Adesk::UInt64 handle = saveTagged(first);
@@ -268,13 +253,13 @@ TEST_F(IoStore, ATagNewerThanTheClassKnowsGivesAProxy)
     EXPECT_EQ(id.objectClass(), TestTagged::desc());
 }
 
-TEST_F(IoStore, DamagedObjectStreamsAreReportedNotTrusted)
-{
+TEST_F(IoStore, DamagedObjectStreamsAreReportedNotTrusted) {
     const std::wstring file = dir.file("damaged.qdb");
     const Adesk::UInt64 handle = saveTagged(file);
     const auto full = blobOf(file, handle);
     ASSERT_GT(full.size(), 8u);
-    // Cut the stream at every length: each read fails cleanly or (when only trailing data is lost) succeeds.
+    // Cut the stream at every length: each read fails cleanly or (when only trailing data is lost)
+    // succeeds.
     for (size_t cut = 0; cut < full.size(); cut += 3) {
         saveTagged(file);
         const std::string sql = "UPDATE objects SET data = substr(data, 1, " + std::to_string(cut) +
@@ -287,13 +272,14 @@ TEST_F(IoStore, DamagedObjectStreamsAreReportedNotTrusted)
         EXPECT_EQ(db.numObjects(), 0u); // nothing half-read is left behind
     }
     saveTagged(file);
-    execOn(file, ("UPDATE objects SET data = x'DEADBEEF0102030405060708' WHERE handle = " + std::to_string(handle)).c_str());
+    execOn(file, ("UPDATE objects SET data = x'DEADBEEF0102030405060708' WHERE handle = " +
+                  std::to_string(handle))
+                     .c_str());
     AcDbDatabase db(false, true);
     EXPECT_NE(db.readDwgFile(file.c_str()), Acad::eOk);
 }
 
-TEST_F(IoStore, FilesThatAreNotDrawingsAreRefused)
-{
+TEST_F(IoStore, FilesThatAreNotDrawingsAreRefused) {
     AcDbDatabase db(false, true);
     EXPECT_EQ(db.readDwgFile(dir.file("missing.qdb").c_str()), Acad::eFileNotFound);
     const std::wstring text = dir.file("text.qdb");

@@ -9,12 +9,14 @@
 
 namespace {
 
-AcRxClass* registered(const ACHAR* name) { return AcRxClass::cast(acrxClassDictionary()->at(name)); }
+AcRxClass* registered(const ACHAR* name) {
+    return AcRxClass::cast(acrxClassDictionary()->at(name));
+}
 
-TEST(RxRegistry, PlatformClassesArePresentWithTheirHierarchy)
-{
-    for (const ACHAR* name : {L"AcRxObject", L"AcDbObject", L"AcDbEntity", L"AcDbCurve", L"AcDbPolyline", L"AcDbLine",
-                              L"AcDbBlockTableRecord", L"AcDbDictionary", L"AcDbXrecord", L"AcDbProxyEntity"})
+TEST(RxRegistry, PlatformClassesArePresentWithTheirHierarchy) {
+    for (const ACHAR* name :
+         {L"AcRxObject", L"AcDbObject", L"AcDbEntity", L"AcDbCurve", L"AcDbPolyline", L"AcDbLine",
+          L"AcDbBlockTableRecord", L"AcDbDictionary", L"AcDbXrecord", L"AcDbProxyEntity"})
         EXPECT_NE(registered(name), nullptr);
     EXPECT_TRUE(AcDbPolyline::desc()->isDerivedFrom(AcDbCurve::desc()));
     EXPECT_TRUE(AcDbPolyline::desc()->isDerivedFrom(AcDbEntity::desc()));
@@ -24,8 +26,7 @@ TEST(RxRegistry, PlatformClassesArePresentWithTheirHierarchy)
     EXPECT_EQ(registered(L"AcDbRasterImage"), nullptr);
 }
 
-TEST(RxRegistry, CastAndIsKindOfFollowTheHierarchy)
-{
+TEST(RxRegistry, CastAndIsKindOfFollowTheHierarchy) {
     AcDbLine line;
     AcRxObject* p = &line;
     EXPECT_TRUE(p->isKindOf(AcDbCurve::desc()));
@@ -35,10 +36,10 @@ TEST(RxRegistry, CastAndIsKindOfFollowTheHierarchy)
     EXPECT_EQ(line.isA(), AcDbLine::desc());
 }
 
-TEST(RxRegistry, NewClassesResolveTheirParentsWhenTheHierarchyIsBuilt)
-{
+TEST(RxRegistry, NewClassesResolveTheirParentsWhenTheHierarchyIsBuilt) {
     // The child is registered before its parent exists, as modules may do.
-    AcRxClass* child = newAcRxClass(L"TestChild", L"TestParent", 29, 63, 0, nullptr, L"TEST_CHILD", L"TESTAPP");
+    AcRxClass* child =
+        newAcRxClass(L"TestChild", L"TestParent", 29, 63, 0, nullptr, L"TEST_CHILD", L"TESTAPP");
     EXPECT_EQ(child->myParent(), nullptr);
     AcRxClass* parent = newAcRxClass(L"TestParent", L"AcDbEntity", 29, 63);
     acrxBuildClassHierarchy();
@@ -53,8 +54,7 @@ TEST(RxRegistry, NewClassesResolveTheirParentsWhenTheHierarchyIsBuilt)
     EXPECT_EQ(registered(L"TestParent"), nullptr);
 }
 
-TEST(RxRegistryDeathTest, ASecondClassUnderOneNameAbortsWithClassMismatch)
-{
+TEST(RxRegistryDeathTest, ASecondClassUnderOneNameAbortsWithClassMismatch) {
     EXPECT_DEATH(
         {
             newAcRxClass(L"TestTwice", L"AcDbEntity", 29, 63);
@@ -63,8 +63,7 @@ TEST(RxRegistryDeathTest, ASecondClassUnderOneNameAbortsWithClassMismatch)
         "Class mismatch");
 }
 
-TEST(RxRegistry, ServicesComeAndGo)
-{
+TEST(RxRegistry, ServicesComeAndGo) {
     AcRxObject* service = acrxRegisterService(L"TEST_SERVICE");
     ASSERT_NE(service, nullptr);
     EXPECT_EQ(acrxRegisterService(L"TEST_SERVICE"), service);
@@ -73,8 +72,7 @@ TEST(RxRegistry, ServicesComeAndGo)
     EXPECT_FALSE(acrxServiceIsRegistered(L"TEST_SERVICE"));
 }
 
-TEST(RxRegistry, ImageSupportModuleBringsTheRasterClassUntilItsLastUnload)
-{
+TEST(RxRegistry, ImageSupportModuleBringsTheRasterClassUntilItsLastUnload) {
     ASSERT_TRUE(acrxLoadModule(L"acismui.arx", false, true));
     ASSERT_TRUE(acrxLoadModule(L"ACISMUI.ARX", false, false));
     EXPECT_EQ(registered(L"AcDbRasterImage"), AcDbRasterImage::desc());
@@ -86,14 +84,12 @@ TEST(RxRegistry, ImageSupportModuleBringsTheRasterClassUntilItsLastUnload)
     EXPECT_FALSE(acrxUnloadModule(L"acismui.arx"));
 }
 
-TEST(RxRegistry, AMissingSharedModuleFailsWithAReason)
-{
+TEST(RxRegistry, AMissingSharedModuleFailsWithAReason) {
     EXPECT_FALSE(acrxLoadModule(L"/nonexistent/libnothing.so", false));
     EXPECT_NE(acrxLastModuleError().find(L"libnothing"), std::wstring::npos);
 }
 
-TEST(RxRegistry, DictionaryKeepsInsertionOrderAndSurvivesRemovalWhileIterating)
-{
+TEST(RxRegistry, DictionaryKeepsInsertionOrderAndSurvivesRemovalWhileIterating) {
     AcRxDictionary dict;
     AcRxService a, b, c;
     dict.atPut(L"b", &b);

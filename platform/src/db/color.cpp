@@ -25,12 +25,18 @@ Adesk::UInt32 shade(int index) {
     const double f = (hueStep % 4) / 4.0;
     const double rise = lo + (v - lo) * f, fall = lo + (v - lo) * (1.0 - f);
     switch (sector) {
-    case 0: return pack(v, rise, lo);
-    case 1: return pack(fall, v, lo);
-    case 2: return pack(lo, v, rise);
-    case 3: return pack(lo, fall, v);
-    case 4: return pack(rise, lo, v);
-    default: return pack(v, lo, fall);
+    case 0:
+        return pack(v, rise, lo);
+    case 1:
+        return pack(fall, v, lo);
+    case 2:
+        return pack(lo, v, rise);
+    case 3:
+        return pack(lo, fall, v);
+    case 4:
+        return pack(rise, lo, v);
+    default:
+        return pack(v, lo, fall);
     }
 }
 
@@ -38,10 +44,13 @@ Palette buildPalette() {
     Palette p{};
     static constexpr Adesk::UInt32 kFirst[10] = {0x000000, 0xFF0000, 0xFFFF00, 0x00FF00, 0x00FFFF,
                                                  0x0000FF, 0xFF00FF, 0xFFFFFF, 0x808080, 0xC0C0C0};
-    for (int i = 0; i < 10; ++i) p[i] = kFirst[i];
-    for (int i = 10; i < 250; ++i) p[i] = shade(i);
+    for (int i = 0; i < 10; ++i)
+        p[i] = kFirst[i];
+    for (int i = 10; i < 250; ++i)
+        p[i] = shade(i);
     static constexpr Adesk::UInt32 kGreys[6] = {51, 91, 132, 173, 214, 255};
-    for (int i = 0; i < 6; ++i) p[250 + i] = kGreys[i] * 0x010101u;
+    for (int i = 0; i < 6; ++i)
+        p[250 + i] = kGreys[i] * 0x010101u;
     return p;
 }
 
@@ -52,7 +61,9 @@ const Palette& palette() {
 
 } // namespace
 
-Adesk::UInt32 AcCmEntityColor::lookUpRGB(Adesk::UInt8 colorIndex) { return palette()[colorIndex]; }
+Adesk::UInt32 AcCmEntityColor::lookUpRGB(Adesk::UInt8 colorIndex) {
+    return palette()[colorIndex];
+}
 
 Adesk::UInt8 AcCmEntityColor::lookUpACI(Adesk::UInt8 red, Adesk::UInt8 green, Adesk::UInt8 blue) {
     // Nearest in RGB space; the lowest index wins a tie, so pure red is 1, not 10.
@@ -75,25 +86,34 @@ Adesk::UInt8 AcCmEntityColor::lookUpACI(Adesk::UInt8 red, Adesk::UInt8 green, Ad
 
 void AcCmEntityColor::setColorIndex(Adesk::UInt16 index) {
     ColorMethod m = kByACI;
-    if (index == kACIbyLayer) m = kByLayer;
-    else if (index == kACIbyBlock) m = kByBlock;
+    if (index == kACIbyLayer)
+        m = kByLayer;
+    else if (index == kACIbyBlock)
+        m = kByBlock;
     mValue = (static_cast<Adesk::UInt32>(m) << 24) | index;
 }
 
 Adesk::UInt16 AcCmEntityColor::colorIndex() const {
     switch (colorMethod()) {
-    case kByLayer: return kACIbyLayer;
-    case kByBlock: return kACIbyBlock;
-    case kByACI: return static_cast<Adesk::UInt16>(mValue & 0xFFFF);
-    case kByColor: return lookUpACI(red(), green(), blue());
-    case kForeground: return kACIforeground;
-    default: return 0;
+    case kByLayer:
+        return kACIbyLayer;
+    case kByBlock:
+        return kACIbyBlock;
+    case kByACI:
+        return static_cast<Adesk::UInt16>(mValue & 0xFFFF);
+    case kByColor:
+        return lookUpACI(red(), green(), blue());
+    case kForeground:
+        return kACIforeground;
+    default:
+        return 0;
     }
 }
 
 void AcCmEntityColor::setRGB(Adesk::UInt8 red, Adesk::UInt8 green, Adesk::UInt8 blue) {
-    mValue = (static_cast<Adesk::UInt32>(kByColor) << 24) | (static_cast<Adesk::UInt32>(red) << 16) |
-             (static_cast<Adesk::UInt32>(green) << 8) | blue;
+    mValue = (static_cast<Adesk::UInt32>(kByColor) << 24) |
+             (static_cast<Adesk::UInt32>(red) << 16) | (static_cast<Adesk::UInt32>(green) << 8) |
+             blue;
 }
 
 namespace {
@@ -105,6 +125,12 @@ Adesk::UInt32 shownRGB(const AcCmEntityColor& c, Adesk::UInt32 value) {
 }
 } // namespace
 
-Adesk::UInt8 AcCmEntityColor::red() const { return static_cast<Adesk::UInt8>(shownRGB(*this, mValue) >> 16); }
-Adesk::UInt8 AcCmEntityColor::green() const { return static_cast<Adesk::UInt8>(shownRGB(*this, mValue) >> 8); }
-Adesk::UInt8 AcCmEntityColor::blue() const { return static_cast<Adesk::UInt8>(shownRGB(*this, mValue)); }
+Adesk::UInt8 AcCmEntityColor::red() const {
+    return static_cast<Adesk::UInt8>(shownRGB(*this, mValue) >> 16);
+}
+Adesk::UInt8 AcCmEntityColor::green() const {
+    return static_cast<Adesk::UInt8>(shownRGB(*this, mValue) >> 8);
+}
+Adesk::UInt8 AcCmEntityColor::blue() const {
+    return static_cast<Adesk::UInt8>(shownRGB(*this, mValue));
+}

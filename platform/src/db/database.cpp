@@ -8,26 +8,22 @@
 
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDbDatabase, AcRxObject)
 
-AcDbHostApplicationServices* acdbHostApplicationServices()
-{
+AcDbHostApplicationServices* acdbHostApplicationServices() {
     static AcDbHostApplicationServices services;
     return &services;
 }
 
-AcDbDatabase::AcDbDatabase(bool buildDefaultDrawing, bool)
-{
+AcDbDatabase::AcDbDatabase(bool buildDefaultDrawing, bool) {
     if (buildDefaultDrawing) buildDefaultDrawing_();
 }
 
-AcDbDatabase::~AcDbDatabase()
-{
+AcDbDatabase::~AcDbDatabase() {
     clear();
     if (acdbHostApplicationServices()->workingDatabase() == this)
         acdbHostApplicationServices()->setWorkingDatabase(nullptr);
 }
 
-void AcDbDatabase::clear()
-{
+void AcDbDatabase::clear() {
     for (auto& [handle, stub] : mStubs) {
         AcDbObject* obj = stub->object;
         stub->object = nullptr;
@@ -38,12 +34,12 @@ void AcDbDatabase::clear()
     }
     mStubs.clear();
     mNextHandle = 1;
-    mBlockTable = mLayerTable = mLinetypeTable = mTextStyleTable = mRegAppTable = mNamedObjects = AcDbObjectId();
+    mBlockTable = mLayerTable = mLinetypeTable = mTextStyleTable = mRegAppTable = mNamedObjects =
+        AcDbObjectId();
     mHeader = Header();
 }
 
-AcDbStub* AcDbDatabase::stubFor(Adesk::UInt64 handle, bool create)
-{
+AcDbStub* AcDbDatabase::stubFor(Adesk::UInt64 handle, bool create) {
     if (handle == 0) return nullptr;
     auto it = mStubs.find(handle);
     if (it != mStubs.end()) return it->second.get();
@@ -57,14 +53,13 @@ AcDbStub* AcDbDatabase::stubFor(Adesk::UInt64 handle, bool create)
     return raw;
 }
 
-Acad::ErrorStatus AcDbDatabase::getAcDbObjectId(AcDbObjectId& id, bool createIfNotFound, const AcDbHandle& h)
-{
+Acad::ErrorStatus AcDbDatabase::getAcDbObjectId(AcDbObjectId& id, bool createIfNotFound,
+                                                const AcDbHandle& h) {
     id = AcDbObjectId(stubFor(h.value(), createIfNotFound));
     return id.isNull() ? Acad::eUnknownHandle : Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbDatabase::addAcDbObject(AcDbObjectId& id, AcDbObject* obj)
-{
+Acad::ErrorStatus AcDbDatabase::addAcDbObject(AcDbObjectId& id, AcDbObject* obj) {
     if (!obj) return Acad::eNullObjectPointer;
     if (!obj->mId.isNull()) return Acad::eAlreadyInDb;
     AcDbStub* stub = stubFor(mNextHandle, true);
@@ -77,8 +72,7 @@ Acad::ErrorStatus AcDbDatabase::addAcDbObject(AcDbObjectId& id, AcDbObject* obj)
     return Acad::eOk;
 }
 
-std::vector<AcDbObjectId> AcDbDatabase::allObjectIds() const
-{
+std::vector<AcDbObjectId> AcDbDatabase::allObjectIds() const {
     std::vector<AcDbObjectId> ids;
     ids.reserve(mStubs.size());
     for (const auto& [handle, stub] : mStubs)
@@ -90,8 +84,7 @@ std::vector<AcDbObjectId> AcDbDatabase::allObjectIds() const
 
 namespace {
 
-template <class Table> AcDbObjectId addTable(AcDbDatabase* db, AcDbObjectId owner)
-{
+template <class Table> AcDbObjectId addTable(AcDbDatabase* db, AcDbObjectId owner) {
     auto* table = new Table();
     AcDbObjectId id;
     db->addAcDbObject(id, table);
@@ -100,24 +93,24 @@ template <class Table> AcDbObjectId addTable(AcDbDatabase* db, AcDbObjectId owne
     return id;
 }
 
-AcDbObjectId addRecord(AcDbObjectId tableId, AcDbSymbolTableRecord* rec)
-{
+AcDbObjectId addRecord(AcDbObjectId tableId, AcDbSymbolTableRecord* rec) {
     AcDbSymbolTable* table = nullptr;
     AcDbObjectId id;
     if (acdbOpenObject(table, tableId, AcDb::kForWrite) != Acad::eOk) {
         delete rec;
         return id;
     }
-    if (table->add(id, rec) == Acad::eOk) rec->close();
-    else delete rec;
+    if (table->add(id, rec) == Acad::eOk)
+        rec->close();
+    else
+        delete rec;
     table->close();
     return id;
 }
 
 } // namespace
 
-void AcDbDatabase::buildDefaultDrawing_()
-{
+void AcDbDatabase::buildDefaultDrawing_() {
     auto* nod = new AcDbDictionary();
     addAcDbObject(mNamedObjects, nod);
     nod->close();
@@ -161,8 +154,7 @@ void AcDbDatabase::buildDefaultDrawing_()
 
 namespace {
 
-AcDbObjectId recordId(AcDbObjectId tableId, const ACHAR* name)
-{
+AcDbObjectId recordId(AcDbObjectId tableId, const ACHAR* name) {
     AcDbSymbolTable* table = nullptr;
     AcDbObjectId id;
     if (acdbOpenObject(table, tableId, AcDb::kForRead) != Acad::eOk) return id;
@@ -173,39 +165,52 @@ AcDbObjectId recordId(AcDbObjectId tableId, const ACHAR* name)
 
 } // namespace
 
-AcDbObjectId AcDbDatabase::modelSpaceId() const { return recordId(mBlockTable, ACDB_MODEL_SPACE); }
-AcDbObjectId AcDbDatabase::paperSpaceId() const { return recordId(mBlockTable, ACDB_PAPER_SPACE); }
-AcDbObjectId AcDbDatabase::currentSpaceId() const { return modelSpaceId(); }
-AcDbObjectId AcDbDatabase::byLayerLinetype() const { return recordId(mLinetypeTable, L"ByLayer"); }
-AcDbObjectId AcDbDatabase::byBlockLinetype() const { return recordId(mLinetypeTable, L"ByBlock"); }
-AcDbObjectId AcDbDatabase::continuousLinetype() const { return recordId(mLinetypeTable, L"Continuous"); }
-AcDbObjectId AcDbDatabase::layerZero() const { return recordId(mLayerTable, L"0"); }
+AcDbObjectId AcDbDatabase::modelSpaceId() const {
+    return recordId(mBlockTable, ACDB_MODEL_SPACE);
+}
+AcDbObjectId AcDbDatabase::paperSpaceId() const {
+    return recordId(mBlockTable, ACDB_PAPER_SPACE);
+}
+AcDbObjectId AcDbDatabase::currentSpaceId() const {
+    return modelSpaceId();
+}
+AcDbObjectId AcDbDatabase::byLayerLinetype() const {
+    return recordId(mLinetypeTable, L"ByLayer");
+}
+AcDbObjectId AcDbDatabase::byBlockLinetype() const {
+    return recordId(mLinetypeTable, L"ByBlock");
+}
+AcDbObjectId AcDbDatabase::continuousLinetype() const {
+    return recordId(mLinetypeTable, L"Continuous");
+}
+AcDbObjectId AcDbDatabase::layerZero() const {
+    return recordId(mLayerTable, L"0");
+}
 
 namespace {
 
-template <class T> Acad::ErrorStatus openTable(AcDbObjectId id, T*& out, AcDb::OpenMode mode)
-{
+template <class T> Acad::ErrorStatus openTable(AcDbObjectId id, T*& out, AcDb::OpenMode mode) {
     return acdbOpenObject(out, id, mode);
 }
 
 } // namespace
 
-Acad::ErrorStatus AcDbDatabase::getBlockTable(AcDbBlockTable*& t, AcDb::OpenMode m) { return openTable(mBlockTable, t, m); }
-Acad::ErrorStatus AcDbDatabase::getLayerTable(AcDbLayerTable*& t, AcDb::OpenMode m) { return openTable(mLayerTable, t, m); }
-Acad::ErrorStatus AcDbDatabase::getLinetypeTable(AcDbLinetypeTable*& t, AcDb::OpenMode m)
-{
+Acad::ErrorStatus AcDbDatabase::getBlockTable(AcDbBlockTable*& t, AcDb::OpenMode m) {
+    return openTable(mBlockTable, t, m);
+}
+Acad::ErrorStatus AcDbDatabase::getLayerTable(AcDbLayerTable*& t, AcDb::OpenMode m) {
+    return openTable(mLayerTable, t, m);
+}
+Acad::ErrorStatus AcDbDatabase::getLinetypeTable(AcDbLinetypeTable*& t, AcDb::OpenMode m) {
     return openTable(mLinetypeTable, t, m);
 }
-Acad::ErrorStatus AcDbDatabase::getTextStyleTable(AcDbTextStyleTable*& t, AcDb::OpenMode m)
-{
+Acad::ErrorStatus AcDbDatabase::getTextStyleTable(AcDbTextStyleTable*& t, AcDb::OpenMode m) {
     return openTable(mTextStyleTable, t, m);
 }
-Acad::ErrorStatus AcDbDatabase::getRegAppTable(AcDbRegAppTable*& t, AcDb::OpenMode m)
-{
+Acad::ErrorStatus AcDbDatabase::getRegAppTable(AcDbRegAppTable*& t, AcDb::OpenMode m) {
     return openTable(mRegAppTable, t, m);
 }
-Acad::ErrorStatus AcDbDatabase::getNamedObjectsDictionary(AcDbDictionary*& d, AcDb::OpenMode m)
-{
+Acad::ErrorStatus AcDbDatabase::getNamedObjectsDictionary(AcDbDictionary*& d, AcDb::OpenMode m) {
     return openTable(mNamedObjects, d, m);
 }
 
@@ -213,80 +218,74 @@ Acad::ErrorStatus AcDbDatabase::getNamedObjectsDictionary(AcDbDictionary*& d, Ac
 
 namespace {
 
-bool belongsTo(AcDbObjectId id, AcDbDatabase* db) { return !id.isNull() && id.database() == db; }
+bool belongsTo(AcDbObjectId id, AcDbDatabase* db) {
+    return !id.isNull() && id.database() == db;
+}
 
 } // namespace
 
-Acad::ErrorStatus AcDbDatabase::setClayer(AcDbObjectId id)
-{
+Acad::ErrorStatus AcDbDatabase::setClayer(AcDbObjectId id) {
     if (!belongsTo(id, this)) return Acad::eInvalidInput;
     mHeader.clayer = id;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbDatabase::setCecolor(const AcCmColor& c)
-{
+Acad::ErrorStatus AcDbDatabase::setCecolor(const AcCmColor& c) {
     mHeader.cecolor = c;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbDatabase::setCeltype(AcDbObjectId id)
-{
+Acad::ErrorStatus AcDbDatabase::setCeltype(AcDbObjectId id) {
     if (!belongsTo(id, this)) return Acad::eInvalidInput;
     mHeader.celtype = id;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbDatabase::setCeltscale(double s)
-{
+Acad::ErrorStatus AcDbDatabase::setCeltscale(double s) {
     if (!(s > 0.0)) return Acad::eInvalidInput;
     mHeader.celtscale = s;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbDatabase::setLtscale(double s)
-{
+Acad::ErrorStatus AcDbDatabase::setLtscale(double s) {
     if (!(s > 0.0)) return Acad::eInvalidInput;
     mHeader.ltscale = s;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbDatabase::setCelweight(AcDb::LineWeight w)
-{
+Acad::ErrorStatus AcDbDatabase::setCelweight(AcDb::LineWeight w) {
     mHeader.celweight = w;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbDatabase::setTextstyle(AcDbObjectId id)
-{
+Acad::ErrorStatus AcDbDatabase::setTextstyle(AcDbObjectId id) {
     if (!belongsTo(id, this)) return Acad::eInvalidInput;
     mHeader.textstyle = id;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbDatabase::setTextsize(double s)
-{
+Acad::ErrorStatus AcDbDatabase::setTextsize(double s) {
     if (!(s > 0.0)) return Acad::eInvalidInput;
     mHeader.textsize = s;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbDatabase::setInsbase(const AcGePoint3d& p)
-{
+Acad::ErrorStatus AcDbDatabase::setInsbase(const AcGePoint3d& p) {
     mHeader.insbase = p;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbDatabase::updateExt(bool)
-{
+Acad::ErrorStatus AcDbDatabase::updateExt(bool) {
     AcDbExtents ext;
     AcDbBlockTableRecord* ms = nullptr;
-    if (Acad::ErrorStatus es = acdbOpenObject(ms, modelSpaceId(), AcDb::kForRead); es != Acad::eOk) return es;
+    if (Acad::ErrorStatus es = acdbOpenObject(ms, modelSpaceId(), AcDb::kForRead); es != Acad::eOk)
+        return es;
     for (AcDbObjectId id : ms->entityIds()) {
         AcDbEntity* ent = nullptr;
         if (acdbOpenObject(ent, id, AcDb::kForRead) != Acad::eOk) continue;
         AcDbExtents e;
-        if (ent->visibility() == AcDb::kVisible && ent->getGeomExtents(e) == Acad::eOk) ext.addExt(e);
+        if (ent->visibility() == AcDb::kVisible && ent->getGeomExtents(e) == Acad::eOk)
+            ext.addExt(e);
         ent->close();
     }
     ms->close();

@@ -9,16 +9,14 @@
 ACRX_CONS_DEFINE_MEMBERS(AcDbDictionary, AcDbObject, L"DICTIONARY")
 ACRX_CONS_DEFINE_MEMBERS(AcDbXrecord, AcDbObject, L"XRECORD")
 
-long long AcDbDictionary::indexOf(const ACHAR* key) const
-{
+long long AcDbDictionary::indexOf(const ACHAR* key) const {
     if (!key) return -1;
     for (size_t i = 0; i < mEntries.size(); ++i)
         if (wcscasecmp(mEntries[i].first.c_str(), key) == 0) return static_cast<long long>(i);
     return -1;
 }
 
-Acad::ErrorStatus AcDbDictionary::getAt(const ACHAR* key, AcDbObjectId& id) const
-{
+Acad::ErrorStatus AcDbDictionary::getAt(const ACHAR* key, AcDbObjectId& id) const {
     assertReadEnabled();
     long long i = indexOf(key);
     if (i < 0 || mEntries[static_cast<size_t>(i)].second.isErased()) {
@@ -29,16 +27,15 @@ Acad::ErrorStatus AcDbDictionary::getAt(const ACHAR* key, AcDbObjectId& id) cons
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbDictionary::getAt(const ACHAR* key, AcDbObject*& obj, AcDb::OpenMode mode) const
-{
+Acad::ErrorStatus AcDbDictionary::getAt(const ACHAR* key, AcDbObject*& obj,
+                                        AcDb::OpenMode mode) const {
     obj = nullptr;
     AcDbObjectId id;
     if (Acad::ErrorStatus es = getAt(key, id); es != Acad::eOk) return es;
     return acdbOpenObject(obj, id, mode);
 }
 
-Acad::ErrorStatus AcDbDictionary::nameAt(AcDbObjectId id, ACHAR*& name) const
-{
+Acad::ErrorStatus AcDbDictionary::nameAt(AcDbObjectId id, ACHAR*& name) const {
     assertReadEnabled();
     name = nullptr;
     for (const auto& [key, entry] : mEntries)
@@ -50,22 +47,19 @@ Acad::ErrorStatus AcDbDictionary::nameAt(AcDbObjectId id, ACHAR*& name) const
     return Acad::eKeyNotFound;
 }
 
-bool AcDbDictionary::has(const ACHAR* key) const
-{
+bool AcDbDictionary::has(const ACHAR* key) const {
     AcDbObjectId id;
     return getAt(key, id) == Acad::eOk;
 }
 
-bool AcDbDictionary::has(AcDbObjectId id) const
-{
+bool AcDbDictionary::has(AcDbObjectId id) const {
     assertReadEnabled();
     for (const auto& entry : mEntries)
         if (entry.second == id) return true;
     return false;
 }
 
-Acad::ErrorStatus AcDbDictionary::setAt(const ACHAR* key, AcDbObject* obj, AcDbObjectId& id)
-{
+Acad::ErrorStatus AcDbDictionary::setAt(const ACHAR* key, AcDbObject* obj, AcDbObjectId& id) {
     if (!key || !*key) return Acad::eInvalidKey;
     if (!obj) return Acad::eNullObjectPointer;
     AcDbDatabase* db = database();
@@ -89,14 +83,12 @@ Acad::ErrorStatus AcDbDictionary::setAt(const ACHAR* key, AcDbObject* obj, AcDbO
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbDictionary::remove(const ACHAR* key)
-{
+Acad::ErrorStatus AcDbDictionary::remove(const ACHAR* key) {
     AcDbObjectId removed;
     return remove(key, removed);
 }
 
-Acad::ErrorStatus AcDbDictionary::remove(const ACHAR* key, AcDbObjectId& removed)
-{
+Acad::ErrorStatus AcDbDictionary::remove(const ACHAR* key, AcDbObjectId& removed) {
     long long i = indexOf(key);
     if (i < 0) return Acad::eKeyNotFound;
     assertWriteEnabled();
@@ -105,8 +97,7 @@ Acad::ErrorStatus AcDbDictionary::remove(const ACHAR* key, AcDbObjectId& removed
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbDictionary::remove(AcDbObjectId id)
-{
+Acad::ErrorStatus AcDbDictionary::remove(AcDbObjectId id) {
     for (size_t i = 0; i < mEntries.size(); ++i)
         if (mEntries[i].second == id) {
             assertWriteEnabled();
@@ -116,8 +107,7 @@ Acad::ErrorStatus AcDbDictionary::remove(AcDbObjectId id)
     return Acad::eKeyNotFound;
 }
 
-AcDbDictionaryIterator* AcDbDictionary::newIterator() const
-{
+AcDbDictionaryIterator* AcDbDictionary::newIterator() const {
     assertReadEnabled();
     std::vector<std::pair<std::wstring, AcDbObjectId>> live;
     for (const auto& e : mEntries)
@@ -125,8 +115,7 @@ AcDbDictionaryIterator* AcDbDictionary::newIterator() const
     return new AcDbDictionaryIterator(std::move(live));
 }
 
-Acad::ErrorStatus AcDbDictionary::dwgOutFields(AcDbDwgFiler* filer) const
-{
+Acad::ErrorStatus AcDbDictionary::dwgOutFields(AcDbDwgFiler* filer) const {
     if (Acad::ErrorStatus es = AcDbObject::dwgOutFields(filer); es != Acad::eOk) return es;
     filer->writeUInt32(static_cast<Adesk::UInt32>(mEntries.size()));
     for (const auto& [key, id] : mEntries) {
@@ -136,8 +125,7 @@ Acad::ErrorStatus AcDbDictionary::dwgOutFields(AcDbDwgFiler* filer) const
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus AcDbDictionary::dwgInFields(AcDbDwgFiler* filer)
-{
+Acad::ErrorStatus AcDbDictionary::dwgInFields(AcDbDwgFiler* filer) {
     if (Acad::ErrorStatus es = AcDbObject::dwgInFields(filer); es != Acad::eOk) return es;
     mEntries.clear();
     Adesk::UInt32 n = 0;
@@ -153,13 +141,11 @@ Acad::ErrorStatus AcDbDictionary::dwgInFields(AcDbDwgFiler* filer)
     return filer->filerStatus();
 }
 
-AcDbDictionaryIterator::AcDbDictionaryIterator(std::vector<std::pair<std::wstring, AcDbObjectId>> entries)
-    : mEntries(std::move(entries))
-{
-}
+AcDbDictionaryIterator::AcDbDictionaryIterator(
+    std::vector<std::pair<std::wstring, AcDbObjectId>> entries)
+    : mEntries(std::move(entries)) {}
 
-Acad::ErrorStatus AcDbDictionaryIterator::getObject(AcDbObject*& obj, AcDb::OpenMode mode) const
-{
+Acad::ErrorStatus AcDbDictionaryIterator::getObject(AcDbObject*& obj, AcDb::OpenMode mode) const {
     obj = nullptr;
     if (done()) return Acad::eInvalidIndex;
     return acdbOpenObject(obj, mEntries[mIndex].second, mode);
@@ -169,32 +155,30 @@ Acad::ErrorStatus AcDbDictionaryIterator::getObject(AcDbObject*& obj, AcDb::Open
 
 AcDbXrecord::AcDbXrecord() = default;
 
-AcDbXrecord::~AcDbXrecord() { acutRelRb(mChain); }
+AcDbXrecord::~AcDbXrecord() {
+    acutRelRb(mChain);
+}
 
-Acad::ErrorStatus AcDbXrecord::rbChain(resbuf** chain, AcDbDatabase*) const
-{
+Acad::ErrorStatus AcDbXrecord::rbChain(resbuf** chain, AcDbDatabase*) const {
     assertReadEnabled();
     if (!chain) return Acad::eInvalidInput;
     *chain = acutCopyRbChain(mChain);
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbXrecord::setFromRbChain(const resbuf& chain, AcDbDatabase*)
-{
+Acad::ErrorStatus AcDbXrecord::setFromRbChain(const resbuf& chain, AcDbDatabase*) {
     assertWriteEnabled();
     acutRelRb(mChain);
     mChain = acutCopyRbChain(&chain);
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbXrecord::dwgOutFields(AcDbDwgFiler* filer) const
-{
+Acad::ErrorStatus AcDbXrecord::dwgOutFields(AcDbDwgFiler* filer) const {
     if (Acad::ErrorStatus es = AcDbObject::dwgOutFields(filer); es != Acad::eOk) return es;
     return acdbWriteRbChain(filer, mChain);
 }
 
-Acad::ErrorStatus AcDbXrecord::dwgInFields(AcDbDwgFiler* filer)
-{
+Acad::ErrorStatus AcDbXrecord::dwgInFields(AcDbDwgFiler* filer) {
     if (Acad::ErrorStatus es = AcDbObject::dwgInFields(filer); es != Acad::eOk) return es;
     acutRelRb(mChain);
     mChain = nullptr;

@@ -11,22 +11,19 @@ ACRX_NO_CONS_DEFINE_MEMBERS(AcDbEntity, AcDbObject)
 
 namespace {
 
-AcDbDatabase* resolvingDatabase(const AcDbEntity* e)
-{
+AcDbDatabase* resolvingDatabase(const AcDbEntity* e) {
     AcDbDatabase* db = e->database();
     return db ? db : acdbHostApplicationServices()->workingDatabase();
 }
 
-ACHAR* copyString(const ACHAR* s)
-{
+ACHAR* copyString(const ACHAR* s) {
     size_t n = std::wcslen(s) + 1;
     auto* out = new ACHAR[n];
     std::wmemcpy(out, s, n);
     return out;
 }
 
-ACHAR* recordName(AcDbObjectId id)
-{
+ACHAR* recordName(AcDbObjectId id) {
     AcDbSymbolTableRecord* rec = nullptr;
     if (acdbOpenObject(rec, id, AcDb::kForRead) != Acad::eOk) return copyString(L"");
     ACHAR* name = copyString(rec->name());
@@ -34,11 +31,12 @@ ACHAR* recordName(AcDbObjectId id)
     return name;
 }
 
-Acad::ErrorStatus lookUp(AcDbDatabase* db, AcDbObjectId tableId, const ACHAR* name, AcDbObjectId& id)
-{
+Acad::ErrorStatus lookUp(AcDbDatabase* db, AcDbObjectId tableId, const ACHAR* name,
+                         AcDbObjectId& id) {
     if (!db) return Acad::eNotApplicable;
     AcDbSymbolTable* table = nullptr;
-    if (Acad::ErrorStatus es = acdbOpenObject(table, tableId, AcDb::kForRead); es != Acad::eOk) return es;
+    if (Acad::ErrorStatus es = acdbOpenObject(table, tableId, AcDb::kForRead); es != Acad::eOk)
+        return es;
     Acad::ErrorStatus es = table->getAt(name, id);
     table->close();
     return es;
@@ -48,15 +46,13 @@ Acad::ErrorStatus lookUp(AcDbDatabase* db, AcDbObjectId tableId, const ACHAR* na
 
 // ---------------------------------------------------------------- properties
 
-Acad::ErrorStatus AcDbEntity::setColor(const AcCmColor& c, bool)
-{
+Acad::ErrorStatus AcDbEntity::setColor(const AcCmColor& c, bool) {
     assertWriteEnabled();
     mColor = c;
     return Acad::eOk;
 }
 
-Adesk::UInt16 AcDbEntity::colorIndex() const
-{
+Adesk::UInt16 AcDbEntity::colorIndex() const {
     assertReadEnabled();
     if (mColor.isByLayer()) return 256;
     if (mColor.isByBlock()) return 0;
@@ -64,93 +60,83 @@ Adesk::UInt16 AcDbEntity::colorIndex() const
     return AcCmEntityColor::lookUpACI(mColor.red(), mColor.green(), mColor.blue());
 }
 
-Acad::ErrorStatus AcDbEntity::setColorIndex(Adesk::UInt16 index, bool)
-{
+Acad::ErrorStatus AcDbEntity::setColorIndex(Adesk::UInt16 index, bool) {
     if (index > 256) return Acad::eInvalidInput;
     assertWriteEnabled();
     mColor.setColorIndex(index);
     return Acad::eOk;
 }
 
-ACHAR* AcDbEntity::layer() const
-{
+ACHAR* AcDbEntity::layer() const {
     assertReadEnabled();
     return recordName(mLayer);
 }
 
-Acad::ErrorStatus AcDbEntity::setLayer(const ACHAR* name, bool doSubents, bool allowHidden)
-{
+Acad::ErrorStatus AcDbEntity::setLayer(const ACHAR* name, bool doSubents, bool allowHidden) {
     if (!name) return Acad::eInvalidInput;
     AcDbDatabase* db = resolvingDatabase(this);
     AcDbObjectId id;
-    if (Acad::ErrorStatus es = lookUp(db, db ? db->layerTableId() : AcDbObjectId(), name, id); es != Acad::eOk)
+    if (Acad::ErrorStatus es = lookUp(db, db ? db->layerTableId() : AcDbObjectId(), name, id);
+        es != Acad::eOk)
         return es == Acad::eNotApplicable ? es : Acad::eKeyNotFound;
     return setLayer(id, doSubents, allowHidden);
 }
 
-Acad::ErrorStatus AcDbEntity::setLayer(AcDbObjectId id, bool, bool)
-{
+Acad::ErrorStatus AcDbEntity::setLayer(AcDbObjectId id, bool, bool) {
     if (id.isNull()) return Acad::eNullObjectId;
     assertWriteEnabled();
     mLayer = id;
     return Acad::eOk;
 }
 
-ACHAR* AcDbEntity::linetype() const
-{
+ACHAR* AcDbEntity::linetype() const {
     assertReadEnabled();
     return recordName(mLinetype);
 }
 
-Acad::ErrorStatus AcDbEntity::setLinetype(const ACHAR* name, bool doSubents)
-{
+Acad::ErrorStatus AcDbEntity::setLinetype(const ACHAR* name, bool doSubents) {
     if (!name) return Acad::eInvalidInput;
     AcDbDatabase* db = resolvingDatabase(this);
     AcDbObjectId id;
-    if (Acad::ErrorStatus es = lookUp(db, db ? db->linetypeTableId() : AcDbObjectId(), name, id); es != Acad::eOk)
+    if (Acad::ErrorStatus es = lookUp(db, db ? db->linetypeTableId() : AcDbObjectId(), name, id);
+        es != Acad::eOk)
         return es == Acad::eNotApplicable ? es : Acad::eKeyNotFound;
     return setLinetype(id, doSubents);
 }
 
-Acad::ErrorStatus AcDbEntity::setLinetype(AcDbObjectId id, bool)
-{
+Acad::ErrorStatus AcDbEntity::setLinetype(AcDbObjectId id, bool) {
     if (id.isNull()) return Acad::eNullObjectId;
     assertWriteEnabled();
     mLinetype = id;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbEntity::setLinetypeScale(double s, bool)
-{
+Acad::ErrorStatus AcDbEntity::setLinetypeScale(double s, bool) {
     if (!(s > 0.0)) return Acad::eInvalidInput;
     assertWriteEnabled();
     mLinetypeScale = s;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbEntity::setLineWeight(AcDb::LineWeight w, bool)
-{
+Acad::ErrorStatus AcDbEntity::setLineWeight(AcDb::LineWeight w, bool) {
     assertWriteEnabled();
     mLineWeight = w;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbEntity::setVisibility(AcDb::Visibility v, bool)
-{
+Acad::ErrorStatus AcDbEntity::setVisibility(AcDb::Visibility v, bool) {
     assertWriteEnabled();
     mVisibility = v;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbEntity::setMaterial(AcDbObjectId id, bool)
-{
+Acad::ErrorStatus AcDbEntity::setMaterial(AcDbObjectId id, bool) {
     assertWriteEnabled();
     mMaterial = id;
     return Acad::eOk;
 }
 
-void AcDbEntity::setPropertiesFrom(const AcDbEntity* other, bool)
-{
+void AcDbEntity::setPropertiesFrom(const AcDbEntity* other, bool) {
     if (!other) return;
     assertWriteEnabled();
     mColor = other->mColor;
@@ -162,8 +148,7 @@ void AcDbEntity::setPropertiesFrom(const AcDbEntity* other, bool)
     mMaterial = other->mMaterial;
 }
 
-void AcDbEntity::setDatabaseDefaults(AcDbDatabase* db)
-{
+void AcDbEntity::setDatabaseDefaults(AcDbDatabase* db) {
     if (!db) db = resolvingDatabase(this);
     if (!db) return;
     assertWriteEnabled();
@@ -176,8 +161,7 @@ void AcDbEntity::setDatabaseDefaults(AcDbDatabase* db)
 
 // ---------------------------------------------------------------- filing
 
-Acad::ErrorStatus AcDbEntity::dwgOutFields(AcDbDwgFiler* filer) const
-{
+Acad::ErrorStatus AcDbEntity::dwgOutFields(AcDbDwgFiler* filer) const {
     if (Acad::ErrorStatus es = AcDbObject::dwgOutFields(filer); es != Acad::eOk) return es;
     filer->writeHardPointerId(mLayer);
     filer->writeUInt32(mColor.color());
@@ -189,8 +173,7 @@ Acad::ErrorStatus AcDbEntity::dwgOutFields(AcDbDwgFiler* filer) const
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus AcDbEntity::dwgInFields(AcDbDwgFiler* filer)
-{
+Acad::ErrorStatus AcDbEntity::dwgInFields(AcDbDwgFiler* filer) {
     if (Acad::ErrorStatus es = AcDbObject::dwgInFields(filer); es != Acad::eOk) return es;
     AcDbHardPointerId layer, linetype, material;
     Adesk::UInt32 color = 0;
@@ -215,8 +198,7 @@ Acad::ErrorStatus AcDbEntity::dwgInFields(AcDbDwgFiler* filer)
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbEntity::dxfOutFields(AcDbDxfFiler* filer) const
-{
+Acad::ErrorStatus AcDbEntity::dxfOutFields(AcDbDxfFiler* filer) const {
     if (Acad::ErrorStatus es = AcDbObject::dxfOutFields(filer); es != Acad::eOk) return es;
     filer->writeString(AcDb::kDxfSubclass, L"AcDbEntity");
     ACHAR* name = recordName(mLayer);
@@ -225,16 +207,17 @@ Acad::ErrorStatus AcDbEntity::dxfOutFields(AcDbDxfFiler* filer) const
     if (!mColor.isByLayer()) {
         filer->writeInt16(AcDb::kDxfColor, static_cast<Adesk::Int16>(colorIndex()));
         if (mColor.isByColor())
-            filer->writeInt32(AcDb::kDxfColorRGB, static_cast<Adesk::Int32>(mColor.color() & 0xFFFFFF));
+            filer->writeInt32(AcDb::kDxfColorRGB,
+                              static_cast<Adesk::Int32>(mColor.color() & 0xFFFFFF));
     }
-    if (mLineWeight != AcDb::kLnWtByLayer) filer->writeInt16(AcDb::kDxfLineWeight, static_cast<Adesk::Int16>(mLineWeight));
+    if (mLineWeight != AcDb::kLnWtByLayer)
+        filer->writeInt16(AcDb::kDxfLineWeight, static_cast<Adesk::Int16>(mLineWeight));
     if (mLinetypeScale != 1.0) filer->writeDouble(AcDb::kDxfLinetypeScale, mLinetypeScale);
     if (mVisibility == AcDb::kInvisible) filer->writeInt16(AcDb::kDxfVisibility, 1);
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus AcDbEntity::dxfInFields(AcDbDxfFiler* filer)
-{
+Acad::ErrorStatus AcDbEntity::dxfInFields(AcDbDxfFiler* filer) {
     if (Acad::ErrorStatus es = AcDbObject::dxfInFields(filer); es != Acad::eOk) return es;
     if (!filer->atSubclassData(L"AcDbEntity")) return filer->filerStatus();
     resbuf rb{};
@@ -274,12 +257,12 @@ Acad::ErrorStatus AcDbEntity::dxfInFields(AcDbDxfFiler* filer)
 
 // ---------------------------------------------------------------- listing and drawing
 
-void AcDbEntity::subList() const
-{
+void AcDbEntity::subList() const {
     assertReadEnabled();
     ACHAR* layerName = layer();
     std::wstring space = L"Model space";
-    if (AcDbBlockTableRecord* btr = nullptr; acdbOpenObject(btr, ownerId(), AcDb::kForRead) == Acad::eOk) {
+    if (AcDbBlockTableRecord* btr = nullptr;
+        acdbOpenObject(btr, ownerId(), AcDb::kForRead) == Acad::eOk) {
         if (std::wcscmp(btr->name(), ACDB_MODEL_SPACE) != 0)
             space = std::wcscmp(btr->name(), ACDB_PAPER_SPACE) == 0 ? L"Paper space" : btr->name();
         btr->close();
@@ -293,11 +276,12 @@ void AcDbEntity::subList() const
     delete[] layerName;
 }
 
-Adesk::UInt32 AcDbEntity::subSetAttributes(AcGiDrawableTraits* traits)
-{
+Adesk::UInt32 AcDbEntity::subSetAttributes(AcGiDrawableTraits* traits) {
     if (!traits) return 0;
-    if (mColor.isByACI() || mColor.isByLayer() || mColor.isByBlock()) traits->setColor(colorIndex());
-    else traits->setTrueColor(mColor);
+    if (mColor.isByACI() || mColor.isByLayer() || mColor.isByBlock())
+        traits->setColor(colorIndex());
+    else
+        traits->setTrueColor(mColor);
     traits->setLayer(mLayer);
     traits->setLineType(mLinetype);
     traits->setLineTypeScale(mLinetypeScale);
@@ -305,46 +289,52 @@ Adesk::UInt32 AcDbEntity::subSetAttributes(AcGiDrawableTraits* traits)
     return 0;
 }
 
-void AcDbEntity::subSaveAs(AcGiWorldDraw* mode, AcDb::SaveType)
-{
+void AcDbEntity::subSaveAs(AcGiWorldDraw* mode, AcDb::SaveType) {
     if (mode) worldDraw(mode);
 }
 
 // ---------------------------------------------------------------- default edit operations
 
-Acad::ErrorStatus AcDbEntity::subExplode(AcDbVoidPtrArray&) const { return Acad::eNotApplicable; }
+Acad::ErrorStatus AcDbEntity::subExplode(AcDbVoidPtrArray&) const {
+    return Acad::eNotApplicable;
+}
 
-Acad::ErrorStatus AcDbEntity::subGetGripPoints(AcGePoint3dArray&, AcDbIntArray&, AcDbIntArray&) const
-{
+Acad::ErrorStatus AcDbEntity::subGetGripPoints(AcGePoint3dArray&, AcDbIntArray&,
+                                               AcDbIntArray&) const {
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbEntity::subMoveGripPointsAt(const AcDbIntArray&, const AcGeVector3d&) { return Acad::eOk; }
+Acad::ErrorStatus AcDbEntity::subMoveGripPointsAt(const AcDbIntArray&, const AcGeVector3d&) {
+    return Acad::eOk;
+}
 
-Acad::ErrorStatus AcDbEntity::subGetStretchPoints(AcGePoint3dArray& pts) const
-{
+Acad::ErrorStatus AcDbEntity::subGetStretchPoints(AcGePoint3dArray& pts) const {
     AcDbIntArray modes, ids;
     return subGetGripPoints(pts, modes, ids);
 }
 
-Acad::ErrorStatus AcDbEntity::subMoveStretchPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset)
-{
+Acad::ErrorStatus AcDbEntity::subMoveStretchPointsAt(const AcDbIntArray& indices,
+                                                     const AcGeVector3d& offset) {
     return subMoveGripPointsAt(indices, offset);
 }
 
-Acad::ErrorStatus AcDbEntity::subGetOsnapPoints(AcDb::OsnapMode, Adesk::GsMarker, const AcGePoint3d&,
-                                                const AcGePoint3d&, const AcGeMatrix3d&, AcGePoint3dArray&,
-                                                AcDbIntArray&) const
-{
+Acad::ErrorStatus AcDbEntity::subGetOsnapPoints(AcDb::OsnapMode, Adesk::GsMarker,
+                                                const AcGePoint3d&, const AcGePoint3d&,
+                                                const AcGeMatrix3d&, AcGePoint3dArray&,
+                                                AcDbIntArray&) const {
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbEntity::subGetGeomExtents(AcDbExtents&) const { return Acad::eInvalidExtents; }
+Acad::ErrorStatus AcDbEntity::subGetGeomExtents(AcDbExtents&) const {
+    return Acad::eInvalidExtents;
+}
 
-Acad::ErrorStatus AcDbEntity::subTransformBy(const AcGeMatrix3d&) { return Acad::eNotApplicable; }
+Acad::ErrorStatus AcDbEntity::subTransformBy(const AcGeMatrix3d&) {
+    return Acad::eNotApplicable;
+}
 
-Acad::ErrorStatus AcDbEntity::subGetTransformedCopy(const AcGeMatrix3d& xform, AcDbEntity*& ent) const
-{
+Acad::ErrorStatus AcDbEntity::subGetTransformedCopy(const AcGeMatrix3d& xform,
+                                                    AcDbEntity*& ent) const {
     ent = AcDbEntity::cast(clone());
     if (!ent) return Acad::eNotApplicable;
     Acad::ErrorStatus es = ent->transformBy(xform);
@@ -355,15 +345,15 @@ Acad::ErrorStatus AcDbEntity::subGetTransformedCopy(const AcGeMatrix3d& xform, A
     return es;
 }
 
-Acad::ErrorStatus AcDbEntity::subIntersectWith(const AcDbEntity*, AcDb::Intersect, AcGePoint3dArray&, Adesk::GsMarker,
-                                               Adesk::GsMarker) const
-{
+Acad::ErrorStatus AcDbEntity::subIntersectWith(const AcDbEntity*, AcDb::Intersect,
+                                               AcGePoint3dArray&, Adesk::GsMarker,
+                                               Adesk::GsMarker) const {
     return Acad::eNotApplicable;
 }
 
 Acad::ErrorStatus AcDbEntity::subIntersectWith(const AcDbEntity*, AcDb::Intersect, const AcGePlane&,
-                                               AcGePoint3dArray&, Adesk::GsMarker, Adesk::GsMarker) const
-{
+                                               AcGePoint3dArray&, Adesk::GsMarker,
+                                               Adesk::GsMarker) const {
     return Acad::eNotApplicable;
 }
 
@@ -371,44 +361,39 @@ Acad::ErrorStatus AcDbEntity::subIntersectWith(const AcDbEntity*, AcDb::Intersec
 
 AcDbExtents::AcDbExtents() : mMin(1e20, 1e20, 1e20), mMax(-1e20, -1e20, -1e20) {}
 
-Acad::ErrorStatus AcDbExtents::set(const AcGePoint3d& min, const AcGePoint3d& max)
-{
+Acad::ErrorStatus AcDbExtents::set(const AcGePoint3d& min, const AcGePoint3d& max) {
     if (min.x > max.x || min.y > max.y || min.z > max.z) return Acad::eInvalidExtents;
     mMin = min;
     mMax = max;
     return Acad::eOk;
 }
 
-void AcDbExtents::addPoint(const AcGePoint3d& p)
-{
+void AcDbExtents::addPoint(const AcGePoint3d& p) {
     for (unsigned i = 0; i < 3; ++i) {
         if (p[i] < mMin[i]) mMin[i] = p[i];
         if (p[i] > mMax[i]) mMax[i] = p[i];
     }
 }
 
-void AcDbExtents::addPoints(const AcGePoint3dArray& pts)
-{
-    for (const auto& p : pts) addPoint(p);
+void AcDbExtents::addPoints(const AcGePoint3dArray& pts) {
+    for (const auto& p : pts)
+        addPoint(p);
 }
 
-void AcDbExtents::addExt(const AcDbExtents& e)
-{
+void AcDbExtents::addExt(const AcDbExtents& e) {
     if (!e.isValid()) return;
     addPoint(e.mMin);
     addPoint(e.mMax);
 }
 
-Acad::ErrorStatus AcDbExtents::expandBy(const AcGeVector3d& v)
-{
+Acad::ErrorStatus AcDbExtents::expandBy(const AcGeVector3d& v) {
     if (!isValid()) return Acad::eInvalidExtents;
     addPoint(mMin + v);
     addPoint(mMax + v);
     return Acad::eOk;
 }
 
-void AcDbExtents::transformBy(const AcGeMatrix3d& m)
-{
+void AcDbExtents::transformBy(const AcGeMatrix3d& m) {
     if (!isValid()) return;
     AcGePoint3d lo = mMin, hi = mMax;
     *this = AcDbExtents();

@@ -15,8 +15,7 @@ namespace {
 
 int gViolations = 0;
 
-void reportViolation(const AcDbObject* obj, const char* what)
-{
+void reportViolation(const AcDbObject* obj, const char* what) {
     // Reported once: a protocol slip in a loop would otherwise flood the terminal.
     if (gViolations++ == 0)
         std::fprintf(stderr, "warning: %ls %s (handle %llX)\n", obj->isA()->name(), what,
@@ -25,21 +24,22 @@ void reportViolation(const AcDbObject* obj, const char* what)
 
 } // namespace
 
-int acdbOpenViolationCount() { return gViolations; }
+int acdbOpenViolationCount() {
+    return gViolations;
+}
 
 AcDbObject::AcDbObject() = default;
 
-AcDbObject::~AcDbObject()
-{
+AcDbObject::~AcDbObject() {
     acutRelRb(mXData);
     // A resident object deleted by its owner's database leaves its stub without an object.
     if (AcDbStub* s = mId.stub(); s && s->object == this) s->object = nullptr;
 }
 
-AcDbObject::AcDbObject(const AcDbObject& other) : AcGiDrawable(other), mXData(acutCopyRbChain(other.mXData)) {}
+AcDbObject::AcDbObject(const AcDbObject& other)
+    : AcGiDrawable(other), mXData(acutCopyRbChain(other.mXData)) {}
 
-AcDbObject& AcDbObject::operator=(const AcDbObject& other)
-{
+AcDbObject& AcDbObject::operator=(const AcDbObject& other) {
     if (this != &other) {
         acutRelRb(mXData);
         mXData = acutCopyRbChain(other.mXData);
@@ -47,33 +47,37 @@ AcDbObject& AcDbObject::operator=(const AcDbObject& other)
     return *this;
 }
 
-AcDbDatabase* AcDbObject::database() const { return mId.database(); }
+AcDbDatabase* AcDbObject::database() const {
+    return mId.database();
+}
 
-Acad::ErrorStatus AcDbObject::setOwnerId(AcDbObjectId owner)
-{
+Acad::ErrorStatus AcDbObject::setOwnerId(AcDbObjectId owner) {
     mOwner = owner;
     return Acad::eOk;
 }
 
 // ---------------------------------------------------------------- open/close
 
-bool AcDbObject::isReadEnabled() const { return mId.isNull() || mOpenMode != AcDb::kNotOpen; }
-bool AcDbObject::isWriteEnabled() const { return mId.isNull() || mOpenMode == AcDb::kForWrite; }
-bool AcDbObject::isErased() const { return mId.isErased(); }
+bool AcDbObject::isReadEnabled() const {
+    return mId.isNull() || mOpenMode != AcDb::kNotOpen;
+}
+bool AcDbObject::isWriteEnabled() const {
+    return mId.isNull() || mOpenMode == AcDb::kForWrite;
+}
+bool AcDbObject::isErased() const {
+    return mId.isErased();
+}
 
-void AcDbObject::assertReadEnabled() const
-{
+void AcDbObject::assertReadEnabled() const {
     if (!isReadEnabled()) reportViolation(this, "read while not open");
 }
 
-void AcDbObject::assertWriteEnabled(bool, bool recordModified)
-{
+void AcDbObject::assertWriteEnabled(bool, bool recordModified) {
     if (!isWriteEnabled()) reportViolation(this, "changed while not open for write");
     if (recordModified) mModified = true;
 }
 
-Acad::ErrorStatus AcDbObject::close()
-{
+Acad::ErrorStatus AcDbObject::close() {
     if (mId.isNull()) return Acad::eOk;
     if (mOpenMode == AcDb::kForRead && --mReaders > 0) return Acad::eOk;
     mReaders = 0;
@@ -82,8 +86,7 @@ Acad::ErrorStatus AcDbObject::close()
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbObject::upgradeOpen()
-{
+Acad::ErrorStatus AcDbObject::upgradeOpen() {
     if (mOpenMode == AcDb::kForWrite) return Acad::eWasOpenForWrite;
     if (mOpenMode != AcDb::kForRead) return Acad::eNotOpenForRead;
     if (mReaders > 1) return Acad::eWasOpenForRead;
@@ -92,24 +95,22 @@ Acad::ErrorStatus AcDbObject::upgradeOpen()
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbObject::downgradeOpen()
-{
+Acad::ErrorStatus AcDbObject::downgradeOpen() {
     if (mOpenMode != AcDb::kForWrite) return Acad::eNotOpenForWrite;
     mOpenMode = AcDb::kForRead;
     mReaders = 1;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbObject::erase(bool erasing)
-{
+Acad::ErrorStatus AcDbObject::erase(bool erasing) {
     if (mId.isNull()) return Acad::eNotApplicable;
     assertWriteEnabled();
     mId.stub()->erased = erasing;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus acdbOpenAcDbObject(AcDbObject*& obj, AcDbObjectId id, AcDb::OpenMode mode, bool openErased)
-{
+Acad::ErrorStatus acdbOpenAcDbObject(AcDbObject*& obj, AcDbObjectId id, AcDb::OpenMode mode,
+                                     bool openErased) {
     obj = nullptr;
     AcDbStub* s = id.stub();
     if (!s) return Acad::eNullObjectId;
@@ -131,33 +132,30 @@ Acad::ErrorStatus acdbOpenAcDbObject(AcDbObject*& obj, AcDbObjectId id, AcDb::Op
     return Acad::eOk;
 }
 
-Acad::ErrorStatus acdbOpenObject(AcDbObject*& obj, AcDbObjectId id, AcDb::OpenMode mode, bool openErased)
-{
+Acad::ErrorStatus acdbOpenObject(AcDbObject*& obj, AcDbObjectId id, AcDb::OpenMode mode,
+                                 bool openErased) {
     return acdbOpenAcDbObject(obj, id, mode, openErased);
 }
 
-Acad::ErrorStatus acdbOpenAcDbEntity(AcDbEntity*& ent, AcDbObjectId id, AcDb::OpenMode mode, bool openErased)
-{
+Acad::ErrorStatus acdbOpenAcDbEntity(AcDbEntity*& ent, AcDbObjectId id, AcDb::OpenMode mode,
+                                     bool openErased) {
     return acdbOpenObject(ent, id, mode, openErased);
 }
 
-Acad::ErrorStatus acdbGetAdsName(ads_name& name, AcDbObjectId id)
-{
+Acad::ErrorStatus acdbGetAdsName(ads_name& name, AcDbObjectId id) {
     name[0] = reinterpret_cast<Adesk::IntPtr>(id.stub());
     name[1] = 0;
     return id.isNull() ? Acad::eNullObjectId : Acad::eOk;
 }
 
-Acad::ErrorStatus acdbGetObjectId(AcDbObjectId& id, const ads_name name)
-{
+Acad::ErrorStatus acdbGetObjectId(AcDbObjectId& id, const ads_name name) {
     id = AcDbObjectId(reinterpret_cast<AcDbStub*>(name[0]));
     return id.isNull() ? Acad::eNullObjectId : Acad::eOk;
 }
 
 // ---------------------------------------------------------------- extension dictionary
 
-Acad::ErrorStatus AcDbObject::createExtensionDictionary()
-{
+Acad::ErrorStatus AcDbObject::createExtensionDictionary() {
     if (!mExtDict.isNull()) return Acad::eAlreadyInDb;
     AcDbDatabase* db = database();
     if (!db) return Acad::eNotApplicable;
@@ -178,14 +176,17 @@ Acad::ErrorStatus AcDbObject::createExtensionDictionary()
 
 namespace {
 
-bool isAppItem(const resbuf* rb) { return rb->restype == AcDb::kDxfRegAppName; }
+bool isAppItem(const resbuf* rb) {
+    return rb->restype == AcDb::kDxfRegAppName;
+}
 
-bool sameName(const ACHAR* a, const ACHAR* b) { return a && b && wcscasecmp(a, b) == 0; }
+bool sameName(const ACHAR* a, const ACHAR* b) {
+    return a && b && wcscasecmp(a, b) == 0;
+}
 
 } // namespace
 
-resbuf* AcDbObject::xData(const ACHAR* regappName) const
-{
+resbuf* AcDbObject::xData(const ACHAR* regappName) const {
     assertReadEnabled();
     if (!regappName) return acutCopyRbChain(mXData);
     for (const resbuf* rb = mXData; rb; rb = rb->rbnext) {
@@ -204,8 +205,7 @@ resbuf* AcDbObject::xData(const ACHAR* regappName) const
     return nullptr;
 }
 
-Acad::ErrorStatus AcDbObject::setXData(const resbuf* xdata)
-{
+Acad::ErrorStatus AcDbObject::setXData(const resbuf* xdata) {
     assertWriteEnabled();
     if (!xdata || !isAppItem(xdata) || !xdata->resval.rstring) return Acad::eInvalidInput;
     // Drop the application's old section, keep everyone else's.
@@ -233,16 +233,14 @@ Acad::ErrorStatus AcDbObject::setXData(const resbuf* xdata)
 
 // ---------------------------------------------------------------- filing
 
-Acad::ErrorStatus AcDbObject::dwgOutFields(AcDbDwgFiler* filer) const
-{
+Acad::ErrorStatus AcDbObject::dwgOutFields(AcDbDwgFiler* filer) const {
     assertReadEnabled();
     acdbWriteRbChain(filer, mXData);
     filer->writeHardOwnershipId(mExtDict);
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus AcDbObject::dwgInFields(AcDbDwgFiler* filer)
-{
+Acad::ErrorStatus AcDbObject::dwgInFields(AcDbDwgFiler* filer) {
     assertWriteEnabled();
     acutRelRb(mXData);
     mXData = nullptr;
@@ -253,22 +251,19 @@ Acad::ErrorStatus AcDbObject::dwgInFields(AcDbDwgFiler* filer)
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus AcDbObject::dxfOutFields(AcDbDxfFiler* filer) const
-{
+Acad::ErrorStatus AcDbObject::dxfOutFields(AcDbDxfFiler* filer) const {
     assertReadEnabled();
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus AcDbObject::dxfInFields(AcDbDxfFiler* filer)
-{
+Acad::ErrorStatus AcDbObject::dxfInFields(AcDbDxfFiler* filer) {
     assertWriteEnabled();
     return filer->filerStatus();
 }
 
 // ---------------------------------------------------------------- copying
 
-AcRxObject* AcDbObject::clone() const
-{
+AcRxObject* AcDbObject::clone() const {
     // A copy is the object filed out and read back into a fresh instance of its class,
     // so every class copies exactly what it files. The copy is not in any database.
     AcRxObject* made = isA()->create();

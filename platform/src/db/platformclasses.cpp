@@ -5,8 +5,7 @@
 #include "dbsymtb.h"
 #include "rx/rxinternal.h"
 
-void acdbRegisterPlatformClasses()
-{
+void acdbRegisterPlatformClasses() {
     for (AcRxClass* c : {
              AcGiDrawable::desc(),
              AcDbObject::desc(),

@@ -9,8 +9,7 @@
 
 namespace {
 
-void writeXDataItem(AcDbDwgFiler* f, const resbuf* rb)
-{
+void writeXDataItem(AcDbDwgFiler* f, const resbuf* rb) {
     f->writeInt16(rb->restype);
     switch (acdbGroupCodeToType(rb->restype)) {
     case RTREAL:
@@ -19,7 +18,8 @@ void writeXDataItem(AcDbDwgFiler* f, const resbuf* rb)
         break;
     case RTPOINT:
     case RT3DPOINT:
-        f->writePoint3d(AcGePoint3d(rb->resval.rpoint[0], rb->resval.rpoint[1], rb->resval.rpoint[2]));
+        f->writePoint3d(
+            AcGePoint3d(rb->resval.rpoint[0], rb->resval.rpoint[1], rb->resval.rpoint[2]));
         break;
     case RTSHORT:
         f->writeInt16(rb->resval.rint);
@@ -46,8 +46,7 @@ void writeXDataItem(AcDbDwgFiler* f, const resbuf* rb)
     }
 }
 
-resbuf* readXDataItem(AcDbDwgFiler* f)
-{
+resbuf* readXDataItem(AcDbDwgFiler* f) {
     Adesk::Int16 code = 0;
     if (f->readInt16(&code) != Acad::eOk) return nullptr;
     resbuf* rb = acutNewRb(code);
@@ -95,21 +94,22 @@ resbuf* readXDataItem(AcDbDwgFiler* f)
 
 } // namespace
 
-Acad::ErrorStatus acdbWriteRbChain(AcDbDwgFiler* filer, const resbuf* chain)
-{
+Acad::ErrorStatus acdbWriteRbChain(AcDbDwgFiler* filer, const resbuf* chain) {
     Adesk::UInt32 n = 0;
-    for (const resbuf* rb = chain; rb; rb = rb->rbnext) ++n;
+    for (const resbuf* rb = chain; rb; rb = rb->rbnext)
+        ++n;
     filer->writeUInt32(n);
-    for (const resbuf* rb = chain; rb; rb = rb->rbnext) writeXDataItem(filer, rb);
+    for (const resbuf* rb = chain; rb; rb = rb->rbnext)
+        writeXDataItem(filer, rb);
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus acdbReadRbChain(AcDbDwgFiler* filer, resbuf*& chain)
-{
+Acad::ErrorStatus acdbReadRbChain(AcDbDwgFiler* filer, resbuf*& chain) {
     Adesk::UInt32 n = 0;
     filer->readUInt32(&n);
     resbuf** tail = &chain;
-    while (*tail) tail = &(*tail)->rbnext;
+    while (*tail)
+        tail = &(*tail)->rbnext;
     // Stops at the first filer error, so a damaged count cannot run away.
     for (Adesk::UInt32 i = 0; i < n && filer->filerStatus() == Acad::eOk; ++i) {
         resbuf* rb = readXDataItem(filer);
@@ -120,8 +120,7 @@ Acad::ErrorStatus acdbReadRbChain(AcDbDwgFiler* filer, resbuf*& chain)
     return filer->filerStatus();
 }
 
-resbuf* acutCopyRbChain(const resbuf* chain)
-{
+resbuf* acutCopyRbChain(const resbuf* chain) {
     resbuf* head = nullptr;
     resbuf** tail = &head;
     for (const resbuf* rb = chain; rb; rb = rb->rbnext) {
@@ -132,11 +131,14 @@ resbuf* acutCopyRbChain(const resbuf* chain)
             size_t len = std::wcslen(rb->resval.rstring) + 1;
             copy->resval.rstring = static_cast<ACHAR*>(std::malloc(len * sizeof(ACHAR)));
             std::wmemcpy(copy->resval.rstring, rb->resval.rstring, len);
-        } else if (kind == RTRESBUF || rb->restype == AcDb::kDxfXdBinaryChunk || (rb->restype >= 310 && rb->restype <= 319)) {
+        } else if (kind == RTRESBUF || rb->restype == AcDb::kDxfXdBinaryChunk ||
+                   (rb->restype >= 310 && rb->restype <= 319)) {
             copy->resval.rbinary.buf = nullptr;
             if (rb->resval.rbinary.buf && rb->resval.rbinary.clen > 0) {
-                copy->resval.rbinary.buf = static_cast<char*>(std::malloc(static_cast<size_t>(rb->resval.rbinary.clen)));
-                std::memcpy(copy->resval.rbinary.buf, rb->resval.rbinary.buf, static_cast<size_t>(rb->resval.rbinary.clen));
+                copy->resval.rbinary.buf =
+                    static_cast<char*>(std::malloc(static_cast<size_t>(rb->resval.rbinary.clen)));
+                std::memcpy(copy->resval.rbinary.buf, rb->resval.rbinary.buf,
+                            static_cast<size_t>(rb->resval.rbinary.clen));
             }
         }
         copy->rbnext = nullptr;

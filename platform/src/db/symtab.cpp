@@ -19,15 +19,13 @@ ACRX_CONS_DEFINE_MEMBERS(AcDbRegAppTableRecord, AcDbSymbolTableRecord, L"APPID")
 
 namespace {
 
-ACHAR* copyString(const std::wstring& s)
-{
+ACHAR* copyString(const std::wstring& s) {
     auto* out = new ACHAR[s.size() + 1];
     std::wmemcpy(out, s.c_str(), s.size() + 1);
     return out;
 }
 
-std::wstring readString(AcDbDwgFiler* filer)
-{
+std::wstring readString(AcDbDwgFiler* filer) {
     ACHAR* s = nullptr;
     filer->readString(&s);
     std::wstring out = s ? s : L"";
@@ -36,8 +34,7 @@ std::wstring readString(AcDbDwgFiler* filer)
 }
 
 // Reads a list of ids written as a count and the ids; stops at the first filer error.
-template <class IdKind> std::vector<AcDbObjectId> readIds(AcDbDwgFiler* filer)
-{
+template <class IdKind> std::vector<AcDbObjectId> readIds(AcDbDwgFiler* filer) {
     std::vector<AcDbObjectId> ids;
     Adesk::UInt32 n = 0;
     filer->readUInt32(&n);
@@ -49,18 +46,18 @@ template <class IdKind> std::vector<AcDbObjectId> readIds(AcDbDwgFiler* filer)
     return ids;
 }
 
-void writeIds(AcDbDwgFiler* filer, const std::vector<AcDbObjectId>& ids)
-{
+void writeIds(AcDbDwgFiler* filer, const std::vector<AcDbObjectId>& ids) {
     filer->writeUInt32(static_cast<Adesk::UInt32>(ids.size()));
-    for (const auto& id : ids) filer->writeHardOwnershipId(id);
+    for (const auto& id : ids)
+        filer->writeHardOwnershipId(id);
 }
 
 } // namespace
 
 // ---------------------------------------------------------------- tables
 
-Acad::ErrorStatus AcDbSymbolTable::getAt(const ACHAR* name, AcDbObjectId& id, bool getErased) const
-{
+Acad::ErrorStatus AcDbSymbolTable::getAt(const ACHAR* name, AcDbObjectId& id,
+                                         bool getErased) const {
     assertReadEnabled();
     id.setNull();
     if (!name) return Acad::eInvalidInput;
@@ -76,37 +73,32 @@ Acad::ErrorStatus AcDbSymbolTable::getAt(const ACHAR* name, AcDbObjectId& id, bo
     return Acad::eKeyNotFound;
 }
 
-Acad::ErrorStatus AcDbSymbolTable::getAt(const ACHAR* name, AcDbSymbolTableRecord*& rec, AcDb::OpenMode mode,
-                                         bool openErased) const
-{
+Acad::ErrorStatus AcDbSymbolTable::getAt(const ACHAR* name, AcDbSymbolTableRecord*& rec,
+                                         AcDb::OpenMode mode, bool openErased) const {
     rec = nullptr;
     AcDbObjectId id;
     if (Acad::ErrorStatus es = getAt(name, id, openErased); es != Acad::eOk) return es;
     return acdbOpenObject(rec, id, mode, openErased);
 }
 
-bool AcDbSymbolTable::has(const ACHAR* name) const
-{
+bool AcDbSymbolTable::has(const ACHAR* name) const {
     AcDbObjectId id;
     return getAt(name, id) == Acad::eOk;
 }
 
-bool AcDbSymbolTable::has(AcDbObjectId id) const
-{
+bool AcDbSymbolTable::has(AcDbObjectId id) const {
     assertReadEnabled();
     for (const auto& rid : mRecords)
         if (rid == id && !rid.isErased()) return true;
     return false;
 }
 
-Acad::ErrorStatus AcDbSymbolTable::add(AcDbSymbolTableRecord* rec)
-{
+Acad::ErrorStatus AcDbSymbolTable::add(AcDbSymbolTableRecord* rec) {
     AcDbObjectId id;
     return add(id, rec);
 }
 
-Acad::ErrorStatus AcDbSymbolTable::add(AcDbObjectId& id, AcDbSymbolTableRecord* rec)
-{
+Acad::ErrorStatus AcDbSymbolTable::add(AcDbObjectId& id, AcDbSymbolTableRecord* rec) {
     if (!rec) return Acad::eNullObjectPointer;
     AcDbDatabase* db = database();
     if (!db) return Acad::eNotApplicable;
@@ -119,118 +111,107 @@ Acad::ErrorStatus AcDbSymbolTable::add(AcDbObjectId& id, AcDbSymbolTableRecord* 
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbSymbolTable::newIterator(AcDbSymbolTableIterator*& it, bool atBeginning, bool skipDeleted) const
-{
+Acad::ErrorStatus AcDbSymbolTable::newIterator(AcDbSymbolTableIterator*& it, bool atBeginning,
+                                               bool skipDeleted) const {
     assertReadEnabled();
     it = new AcDbSymbolTableIterator(mRecords, skipDeleted);
     it->start(atBeginning, skipDeleted);
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbSymbolTable::dwgOutFields(AcDbDwgFiler* filer) const
-{
+Acad::ErrorStatus AcDbSymbolTable::dwgOutFields(AcDbDwgFiler* filer) const {
     if (Acad::ErrorStatus es = AcDbObject::dwgOutFields(filer); es != Acad::eOk) return es;
     writeIds(filer, mRecords);
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus AcDbSymbolTable::dwgInFields(AcDbDwgFiler* filer)
-{
+Acad::ErrorStatus AcDbSymbolTable::dwgInFields(AcDbDwgFiler* filer) {
     if (Acad::ErrorStatus es = AcDbObject::dwgInFields(filer); es != Acad::eOk) return es;
     mRecords = readIds<AcDbHardOwnershipId>(filer);
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus AcDbBlockTable::getAt(const ACHAR* name, AcDbBlockTableRecord*& rec, AcDb::OpenMode mode,
-                                        bool openErased) const
-{
+Acad::ErrorStatus AcDbBlockTable::getAt(const ACHAR* name, AcDbBlockTableRecord*& rec,
+                                        AcDb::OpenMode mode, bool openErased) const {
     rec = nullptr;
     AcDbObjectId id;
-    if (Acad::ErrorStatus es = AcDbSymbolTable::getAt(name, id, openErased); es != Acad::eOk) return es;
+    if (Acad::ErrorStatus es = AcDbSymbolTable::getAt(name, id, openErased); es != Acad::eOk)
+        return es;
     return acdbOpenObject(rec, id, mode, openErased);
 }
 
 // ---------------------------------------------------------------- iterators
 
 AcDbSymbolTableIterator::AcDbSymbolTableIterator(std::vector<AcDbObjectId> ids, bool skipDeleted)
-    : mIds(std::move(ids)), mSkipDeleted(skipDeleted)
-{
-}
+    : mIds(std::move(ids)), mSkipDeleted(skipDeleted) {}
 
-void AcDbSymbolTableIterator::start(bool atBeginning, bool skipDeleted)
-{
+void AcDbSymbolTableIterator::start(bool atBeginning, bool skipDeleted) {
     mSkipDeleted = skipDeleted;
     mIndex = atBeginning ? 0 : static_cast<long long>(mIds.size()) - 1;
     skip(atBeginning);
 }
 
-bool AcDbSymbolTableIterator::done() const { return mIndex < 0 || mIndex >= static_cast<long long>(mIds.size()); }
+bool AcDbSymbolTableIterator::done() const {
+    return mIndex < 0 || mIndex >= static_cast<long long>(mIds.size());
+}
 
-void AcDbSymbolTableIterator::step(bool forward, bool skipDeleted)
-{
+void AcDbSymbolTableIterator::step(bool forward, bool skipDeleted) {
     mSkipDeleted = skipDeleted;
     mIndex += forward ? 1 : -1;
     skip(forward);
 }
 
-void AcDbSymbolTableIterator::skip(bool forward)
-{
-    while (mSkipDeleted && !done() && mIds[static_cast<size_t>(mIndex)].isErased()) mIndex += forward ? 1 : -1;
+void AcDbSymbolTableIterator::skip(bool forward) {
+    while (mSkipDeleted && !done() && mIds[static_cast<size_t>(mIndex)].isErased())
+        mIndex += forward ? 1 : -1;
 }
 
-Acad::ErrorStatus AcDbSymbolTableIterator::getRecordId(AcDbObjectId& id) const
-{
+Acad::ErrorStatus AcDbSymbolTableIterator::getRecordId(AcDbObjectId& id) const {
     if (done()) return Acad::eInvalidIndex;
     id = mIds[static_cast<size_t>(mIndex)];
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbSymbolTableIterator::getRecord(AcDbSymbolTableRecord*& rec, AcDb::OpenMode mode,
-                                                     bool openErased) const
-{
+Acad::ErrorStatus AcDbSymbolTableIterator::getRecord(AcDbSymbolTableRecord*& rec,
+                                                     AcDb::OpenMode mode, bool openErased) const {
     rec = nullptr;
     if (done()) return Acad::eInvalidIndex;
     return acdbOpenObject(rec, mIds[static_cast<size_t>(mIndex)], mode, openErased);
 }
 
-AcDbBlockTableRecordIterator::AcDbBlockTableRecordIterator(std::vector<AcDbObjectId> ids, bool skipDeleted)
-    : mIds(std::move(ids)), mSkipDeleted(skipDeleted)
-{
-}
+AcDbBlockTableRecordIterator::AcDbBlockTableRecordIterator(std::vector<AcDbObjectId> ids,
+                                                           bool skipDeleted)
+    : mIds(std::move(ids)), mSkipDeleted(skipDeleted) {}
 
-void AcDbBlockTableRecordIterator::start(bool atBeginning, bool skipDeleted)
-{
+void AcDbBlockTableRecordIterator::start(bool atBeginning, bool skipDeleted) {
     mSkipDeleted = skipDeleted;
     mIndex = atBeginning ? 0 : static_cast<long long>(mIds.size()) - 1;
     skip(atBeginning);
 }
 
-bool AcDbBlockTableRecordIterator::done() const
-{
+bool AcDbBlockTableRecordIterator::done() const {
     return mIndex < 0 || mIndex >= static_cast<long long>(mIds.size());
 }
 
-void AcDbBlockTableRecordIterator::step(bool forward, bool skipDeleted)
-{
+void AcDbBlockTableRecordIterator::step(bool forward, bool skipDeleted) {
     mSkipDeleted = skipDeleted;
     mIndex += forward ? 1 : -1;
     skip(forward);
 }
 
-void AcDbBlockTableRecordIterator::skip(bool forward)
-{
-    while (mSkipDeleted && !done() && mIds[static_cast<size_t>(mIndex)].isErased()) mIndex += forward ? 1 : -1;
+void AcDbBlockTableRecordIterator::skip(bool forward) {
+    while (mSkipDeleted && !done() && mIds[static_cast<size_t>(mIndex)].isErased())
+        mIndex += forward ? 1 : -1;
 }
 
-Acad::ErrorStatus AcDbBlockTableRecordIterator::getEntityId(AcDbObjectId& id) const
-{
+Acad::ErrorStatus AcDbBlockTableRecordIterator::getEntityId(AcDbObjectId& id) const {
     if (done()) return Acad::eInvalidIndex;
     id = mIds[static_cast<size_t>(mIndex)];
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbBlockTableRecordIterator::getEntity(AcDbEntity*& ent, AcDb::OpenMode mode, bool openErased) const
-{
+Acad::ErrorStatus AcDbBlockTableRecordIterator::getEntity(AcDbEntity*& ent, AcDb::OpenMode mode,
+                                                          bool openErased) const {
     ent = nullptr;
     if (done()) return Acad::eInvalidIndex;
     return acdbOpenObject(ent, mIds[static_cast<size_t>(mIndex)], mode, openErased);
@@ -238,50 +219,43 @@ Acad::ErrorStatus AcDbBlockTableRecordIterator::getEntity(AcDbEntity*& ent, AcDb
 
 // ---------------------------------------------------------------- records
 
-Acad::ErrorStatus AcDbSymbolTableRecord::getName(ACHAR*& name) const
-{
+Acad::ErrorStatus AcDbSymbolTableRecord::getName(ACHAR*& name) const {
     assertReadEnabled();
     name = copyString(mName);
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbSymbolTableRecord::getName(const ACHAR*& name) const
-{
+Acad::ErrorStatus AcDbSymbolTableRecord::getName(const ACHAR*& name) const {
     assertReadEnabled();
     name = mName.c_str();
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbSymbolTableRecord::setName(const ACHAR* name)
-{
+Acad::ErrorStatus AcDbSymbolTableRecord::setName(const ACHAR* name) {
     if (!name || !*name) return Acad::eInvalidSymbolTableName;
     assertWriteEnabled();
     mName = name;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbSymbolTableRecord::dwgOutFields(AcDbDwgFiler* filer) const
-{
+Acad::ErrorStatus AcDbSymbolTableRecord::dwgOutFields(AcDbDwgFiler* filer) const {
     if (Acad::ErrorStatus es = AcDbObject::dwgOutFields(filer); es != Acad::eOk) return es;
     filer->writeString(mName.c_str());
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus AcDbSymbolTableRecord::dwgInFields(AcDbDwgFiler* filer)
-{
+Acad::ErrorStatus AcDbSymbolTableRecord::dwgInFields(AcDbDwgFiler* filer) {
     if (Acad::ErrorStatus es = AcDbObject::dwgInFields(filer); es != Acad::eOk) return es;
     mName = readString(filer);
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus AcDbBlockTableRecord::appendAcDbEntity(AcDbEntity* ent)
-{
+Acad::ErrorStatus AcDbBlockTableRecord::appendAcDbEntity(AcDbEntity* ent) {
     AcDbObjectId id;
     return appendAcDbEntity(id, ent);
 }
 
-Acad::ErrorStatus AcDbBlockTableRecord::appendAcDbEntity(AcDbObjectId& id, AcDbEntity* ent)
-{
+Acad::ErrorStatus AcDbBlockTableRecord::appendAcDbEntity(AcDbObjectId& id, AcDbEntity* ent) {
     if (!ent) return Acad::eNullEntityPointer;
     AcDbDatabase* db = database();
     if (!db) return Acad::eNotApplicable;
@@ -296,113 +270,105 @@ Acad::ErrorStatus AcDbBlockTableRecord::appendAcDbEntity(AcDbObjectId& id, AcDbE
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbBlockTableRecord::newIterator(AcDbBlockTableRecordIterator*& it, bool atBeginning,
-                                                    bool skipDeleted) const
-{
+Acad::ErrorStatus AcDbBlockTableRecord::newIterator(AcDbBlockTableRecordIterator*& it,
+                                                    bool atBeginning, bool skipDeleted) const {
     assertReadEnabled();
     it = new AcDbBlockTableRecordIterator(mEntities, skipDeleted);
     it->start(atBeginning, skipDeleted);
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbBlockTableRecord::setOrigin(const AcGePoint3d& p)
-{
+Acad::ErrorStatus AcDbBlockTableRecord::setOrigin(const AcGePoint3d& p) {
     assertWriteEnabled();
     mOrigin = p;
     return Acad::eOk;
 }
 
-bool AcDbBlockTableRecord::isLayout() const
-{
-    return wcscasecmp(name(), ACDB_MODEL_SPACE) == 0 || wcsncasecmp(name(), ACDB_PAPER_SPACE, 12) == 0;
+bool AcDbBlockTableRecord::isLayout() const {
+    return wcscasecmp(name(), ACDB_MODEL_SPACE) == 0 ||
+           wcsncasecmp(name(), ACDB_PAPER_SPACE, 12) == 0;
 }
 
-bool AcDbBlockTableRecord::isAnonymous() const { return name()[0] == L'*' && !isLayout(); }
+bool AcDbBlockTableRecord::isAnonymous() const {
+    return name()[0] == L'*' && !isLayout();
+}
 
-Acad::ErrorStatus AcDbBlockTableRecord::setComments(const ACHAR* s)
-{
+Acad::ErrorStatus AcDbBlockTableRecord::setComments(const ACHAR* s) {
     assertWriteEnabled();
     mComments = s ? s : L"";
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbBlockTableRecord::dwgOutFields(AcDbDwgFiler* filer) const
-{
-    if (Acad::ErrorStatus es = AcDbSymbolTableRecord::dwgOutFields(filer); es != Acad::eOk) return es;
+Acad::ErrorStatus AcDbBlockTableRecord::dwgOutFields(AcDbDwgFiler* filer) const {
+    if (Acad::ErrorStatus es = AcDbSymbolTableRecord::dwgOutFields(filer); es != Acad::eOk)
+        return es;
     filer->writePoint3d(mOrigin);
     filer->writeString(mComments.c_str());
     writeIds(filer, mEntities);
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus AcDbBlockTableRecord::dwgInFields(AcDbDwgFiler* filer)
-{
-    if (Acad::ErrorStatus es = AcDbSymbolTableRecord::dwgInFields(filer); es != Acad::eOk) return es;
+Acad::ErrorStatus AcDbBlockTableRecord::dwgInFields(AcDbDwgFiler* filer) {
+    if (Acad::ErrorStatus es = AcDbSymbolTableRecord::dwgInFields(filer); es != Acad::eOk)
+        return es;
     filer->readPoint3d(&mOrigin);
     mComments = readString(filer);
     mEntities = readIds<AcDbHardOwnershipId>(filer);
     return filer->filerStatus();
 }
 
-void AcDbLayerTableRecord::setColor(const AcCmColor& c)
-{
+void AcDbLayerTableRecord::setColor(const AcCmColor& c) {
     assertWriteEnabled();
     mColor = c;
 }
 
-void AcDbLayerTableRecord::setLinetypeObjectId(AcDbObjectId id)
-{
+void AcDbLayerTableRecord::setLinetypeObjectId(AcDbObjectId id) {
     assertWriteEnabled();
     mLinetype = id;
 }
 
-Acad::ErrorStatus AcDbLayerTableRecord::setLineWeight(AcDb::LineWeight w)
-{
+Acad::ErrorStatus AcDbLayerTableRecord::setLineWeight(AcDb::LineWeight w) {
     assertWriteEnabled();
     mLineWeight = w;
     return Acad::eOk;
 }
 
-void AcDbLayerTableRecord::setIsOff(bool v)
-{
+void AcDbLayerTableRecord::setIsOff(bool v) {
     assertWriteEnabled();
     mOff = v;
 }
 
-Acad::ErrorStatus AcDbLayerTableRecord::setIsFrozen(bool v)
-{
+Acad::ErrorStatus AcDbLayerTableRecord::setIsFrozen(bool v) {
     assertWriteEnabled();
     mFrozen = v;
     return Acad::eOk;
 }
 
-void AcDbLayerTableRecord::setIsLocked(bool v)
-{
+void AcDbLayerTableRecord::setIsLocked(bool v) {
     assertWriteEnabled();
     mLocked = v;
 }
 
-Acad::ErrorStatus AcDbLayerTableRecord::setIsPlottable(bool v)
-{
+Acad::ErrorStatus AcDbLayerTableRecord::setIsPlottable(bool v) {
     assertWriteEnabled();
     mPlottable = v;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbLayerTableRecord::dwgOutFields(AcDbDwgFiler* filer) const
-{
-    if (Acad::ErrorStatus es = AcDbSymbolTableRecord::dwgOutFields(filer); es != Acad::eOk) return es;
+Acad::ErrorStatus AcDbLayerTableRecord::dwgOutFields(AcDbDwgFiler* filer) const {
+    if (Acad::ErrorStatus es = AcDbSymbolTableRecord::dwgOutFields(filer); es != Acad::eOk)
+        return es;
     filer->writeUInt32(mColor.color());
     filer->writeHardPointerId(mLinetype);
     filer->writeInt16(static_cast<Adesk::Int16>(mLineWeight));
-    filer->writeUInt8(static_cast<Adesk::UInt8>((mOff ? 1 : 0) | (mFrozen ? 2 : 0) | (mLocked ? 4 : 0) |
-                                                (mPlottable ? 8 : 0)));
+    filer->writeUInt8(static_cast<Adesk::UInt8>((mOff ? 1 : 0) | (mFrozen ? 2 : 0) |
+                                                (mLocked ? 4 : 0) | (mPlottable ? 8 : 0)));
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus AcDbLayerTableRecord::dwgInFields(AcDbDwgFiler* filer)
-{
-    if (Acad::ErrorStatus es = AcDbSymbolTableRecord::dwgInFields(filer); es != Acad::eOk) return es;
+Acad::ErrorStatus AcDbLayerTableRecord::dwgInFields(AcDbDwgFiler* filer) {
+    if (Acad::ErrorStatus es = AcDbSymbolTableRecord::dwgInFields(filer); es != Acad::eOk)
+        return es;
     Adesk::UInt32 color = 0;
     AcDbHardPointerId ltype;
     Adesk::Int16 weight = 0;
@@ -418,49 +384,46 @@ Acad::ErrorStatus AcDbLayerTableRecord::dwgInFields(AcDbDwgFiler* filer)
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus AcDbLinetypeTableRecord::setComments(const ACHAR* s)
-{
+Acad::ErrorStatus AcDbLinetypeTableRecord::setComments(const ACHAR* s) {
     assertWriteEnabled();
     mComments = s ? s : L"";
     return Acad::eOk;
 }
 
-void AcDbLinetypeTableRecord::setNumDashes(int n)
-{
+void AcDbLinetypeTableRecord::setNumDashes(int n) {
     assertWriteEnabled();
     if (n >= 0 && n <= 12) mDashes.resize(static_cast<size_t>(n), 0.0);
 }
 
-double AcDbLinetypeTableRecord::dashLengthAt(int i) const
-{
+double AcDbLinetypeTableRecord::dashLengthAt(int i) const {
     return i >= 0 && i < numDashes() ? mDashes[static_cast<size_t>(i)] : 0.0;
 }
 
-void AcDbLinetypeTableRecord::setDashLengthAt(int i, double length)
-{
+void AcDbLinetypeTableRecord::setDashLengthAt(int i, double length) {
     assertWriteEnabled();
     if (i >= 0 && i < numDashes()) mDashes[static_cast<size_t>(i)] = length;
 }
 
-double AcDbLinetypeTableRecord::patternLength() const
-{
+double AcDbLinetypeTableRecord::patternLength() const {
     double total = 0.0;
-    for (double d : mDashes) total += d < 0 ? -d : d;
+    for (double d : mDashes)
+        total += d < 0 ? -d : d;
     return total;
 }
 
-Acad::ErrorStatus AcDbLinetypeTableRecord::dwgOutFields(AcDbDwgFiler* filer) const
-{
-    if (Acad::ErrorStatus es = AcDbSymbolTableRecord::dwgOutFields(filer); es != Acad::eOk) return es;
+Acad::ErrorStatus AcDbLinetypeTableRecord::dwgOutFields(AcDbDwgFiler* filer) const {
+    if (Acad::ErrorStatus es = AcDbSymbolTableRecord::dwgOutFields(filer); es != Acad::eOk)
+        return es;
     filer->writeString(mComments.c_str());
     filer->writeUInt32(static_cast<Adesk::UInt32>(mDashes.size()));
-    for (double d : mDashes) filer->writeDouble(d);
+    for (double d : mDashes)
+        filer->writeDouble(d);
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus AcDbLinetypeTableRecord::dwgInFields(AcDbDwgFiler* filer)
-{
-    if (Acad::ErrorStatus es = AcDbSymbolTableRecord::dwgInFields(filer); es != Acad::eOk) return es;
+Acad::ErrorStatus AcDbLinetypeTableRecord::dwgInFields(AcDbDwgFiler* filer) {
+    if (Acad::ErrorStatus es = AcDbSymbolTableRecord::dwgInFields(filer); es != Acad::eOk)
+        return es;
     mComments = readString(filer);
     Adesk::UInt32 n = 0;
     filer->readUInt32(&n);
@@ -474,75 +437,66 @@ Acad::ErrorStatus AcDbLinetypeTableRecord::dwgInFields(AcDbDwgFiler* filer)
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus AcDbTextStyleTableRecord::fileName(ACHAR*& s) const
-{
+Acad::ErrorStatus AcDbTextStyleTableRecord::fileName(ACHAR*& s) const {
     s = copyString(mFileName);
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbTextStyleTableRecord::setFileName(const ACHAR* s)
-{
+Acad::ErrorStatus AcDbTextStyleTableRecord::setFileName(const ACHAR* s) {
     assertWriteEnabled();
     mFileName = s ? s : L"";
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbTextStyleTableRecord::bigFontFileName(ACHAR*& s) const
-{
+Acad::ErrorStatus AcDbTextStyleTableRecord::bigFontFileName(ACHAR*& s) const {
     s = copyString(mBigFont);
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbTextStyleTableRecord::setBigFontFileName(const ACHAR* s)
-{
+Acad::ErrorStatus AcDbTextStyleTableRecord::setBigFontFileName(const ACHAR* s) {
     assertWriteEnabled();
     mBigFont = s ? s : L"";
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbTextStyleTableRecord::setTextSize(double s)
-{
+Acad::ErrorStatus AcDbTextStyleTableRecord::setTextSize(double s) {
     if (s < 0.0) return Acad::eInvalidInput;
     assertWriteEnabled();
     mTextSize = s;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbTextStyleTableRecord::setXScale(double s)
-{
+Acad::ErrorStatus AcDbTextStyleTableRecord::setXScale(double s) {
     if (!(s > 0.0)) return Acad::eInvalidInput;
     assertWriteEnabled();
     mXScale = s;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbTextStyleTableRecord::setObliquingAngle(double a)
-{
+Acad::ErrorStatus AcDbTextStyleTableRecord::setObliquingAngle(double a) {
     assertWriteEnabled();
     mOblique = a;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbTextStyleTableRecord::setFont(const ACHAR* typeface, bool bold, bool italic, int charset,
-                                                    int pitchAndFamily)
-{
+Acad::ErrorStatus AcDbTextStyleTableRecord::setFont(const ACHAR* typeface, bool bold, bool italic,
+                                                    int charset, int pitchAndFamily) {
     assertWriteEnabled();
     mTypeface = typeface ? typeface : L"";
     mBold = bold, mItalic = italic, mCharset = charset, mPitch = pitchAndFamily;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbTextStyleTableRecord::font(ACHAR*& typeface, bool& bold, bool& italic, int& charset,
-                                                 int& pitchAndFamily) const
-{
+Acad::ErrorStatus AcDbTextStyleTableRecord::font(ACHAR*& typeface, bool& bold, bool& italic,
+                                                 int& charset, int& pitchAndFamily) const {
     typeface = copyString(mTypeface);
     bold = mBold, italic = mItalic, charset = mCharset, pitchAndFamily = mPitch;
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbTextStyleTableRecord::dwgOutFields(AcDbDwgFiler* filer) const
-{
-    if (Acad::ErrorStatus es = AcDbSymbolTableRecord::dwgOutFields(filer); es != Acad::eOk) return es;
+Acad::ErrorStatus AcDbTextStyleTableRecord::dwgOutFields(AcDbDwgFiler* filer) const {
+    if (Acad::ErrorStatus es = AcDbSymbolTableRecord::dwgOutFields(filer); es != Acad::eOk)
+        return es;
     filer->writeString(mFileName.c_str());
     filer->writeString(mBigFont.c_str());
     filer->writeString(mTypeface.c_str());
@@ -556,9 +510,9 @@ Acad::ErrorStatus AcDbTextStyleTableRecord::dwgOutFields(AcDbDwgFiler* filer) co
     return filer->filerStatus();
 }
 
-Acad::ErrorStatus AcDbTextStyleTableRecord::dwgInFields(AcDbDwgFiler* filer)
-{
-    if (Acad::ErrorStatus es = AcDbSymbolTableRecord::dwgInFields(filer); es != Acad::eOk) return es;
+Acad::ErrorStatus AcDbTextStyleTableRecord::dwgInFields(AcDbDwgFiler* filer) {
+    if (Acad::ErrorStatus es = AcDbSymbolTableRecord::dwgInFields(filer); es != Acad::eOk)
+        return es;
     mFileName = readString(filer);
     mBigFont = readString(filer);
     mTypeface = readString(filer);
@@ -574,8 +528,7 @@ Acad::ErrorStatus AcDbTextStyleTableRecord::dwgInFields(AcDbDwgFiler* filer)
     return filer->filerStatus();
 }
 
-int acdbRegApp(const ACHAR* appName)
-{
+int acdbRegApp(const ACHAR* appName) {
     AcDbDatabase* db = acdbHostApplicationServices()->workingDatabase();
     if (!db || !appName || !*appName) return RTERROR;
     AcDbRegAppTable* table = nullptr;
@@ -584,7 +537,8 @@ int acdbRegApp(const ACHAR* appName)
     if (!table->has(appName)) {
         auto* rec = new AcDbRegAppTableRecord();
         rec->setName(appName);
-        if (table->add(rec) == Acad::eOk) rec->close();
+        if (table->add(rec) == Acad::eOk)
+            rec->close();
         else {
             delete rec;
             result = RTERROR;

@@ -11,7 +11,8 @@ constexpr double kTwoPi = 2.0 * std::numbers::pi;
 
 // The same rule the plane uses to derive its axes from a normal, so that a plane's own
 // coordinate system and planeToWorld agree.
-void arbitraryAxes(const AcGeVector3d& normal, AcGeVector3d& xAxis, AcGeVector3d& yAxis, AcGeVector3d& zAxis) {
+void arbitraryAxes(const AcGeVector3d& normal, AcGeVector3d& xAxis, AcGeVector3d& yAxis,
+                   AcGeVector3d& zAxis) {
     zAxis = normal.normal();
     constexpr double kLimit = 1.0 / 64.0;
     if (std::fabs(zAxis.x) < kLimit && std::fabs(zAxis.y) < kLimit)
@@ -104,7 +105,9 @@ AcGePoint2d& AcGePoint2d::rotateBy(double a, const AcGePoint2d& wrt) {
     return *this = wrt + v.rotateBy(a);
 }
 
-AcGePoint2d& AcGePoint2d::scaleBy(double s, const AcGePoint2d& wrt) { return *this = wrt + (*this - wrt) * s; }
+AcGePoint2d& AcGePoint2d::scaleBy(double s, const AcGePoint2d& wrt) {
+    return *this = wrt + (*this - wrt) * s;
+}
 
 AcGePoint2d& AcGePoint2d::transformBy(const AcGeMatrix2d& m) {
     return set(m.entry[0][0] * x + m.entry[0][1] * y + m.entry[0][2],
@@ -136,7 +139,8 @@ AcGeVector3d& AcGeVector3d::normalize(const AcGeTol& tol) {
 
 AcGeVector3d AcGeVector3d::perpVector() const {
     constexpr double kLimit = 1.0 / 64.0;
-    if (std::fabs(x) < kLimit && std::fabs(y) < kLimit) return AcGeVector3d::kYAxis.crossProduct(*this);
+    if (std::fabs(x) < kLimit && std::fabs(y) < kLimit)
+        return AcGeVector3d::kYAxis.crossProduct(*this);
     return AcGeVector3d::kZAxis.crossProduct(*this);
 }
 
@@ -169,7 +173,9 @@ bool AcGeVector3d::isPerpendicularTo(const AcGeVector3d& v, const AcGeTol& tol) 
     return std::fabs(dotProduct(v)) / (la * lb) <= tol.equalVector();
 }
 
-double AcGePoint3d::distanceTo(const AcGePoint3d& p) const { return (*this - p).length(); }
+double AcGePoint3d::distanceTo(const AcGePoint3d& p) const {
+    return (*this - p).length();
+}
 
 AcGePoint3d& AcGePoint3d::transformBy(const AcGeMatrix3d& m) {
     const auto& e = m.entry;
@@ -185,7 +191,9 @@ AcGePoint3d& AcGePoint3d::rotateBy(double a, const AcGeVector3d& axis, const AcG
     return transformBy(AcGeMatrix3d::rotation(a, axis, wrt));
 }
 
-AcGePoint3d& AcGePoint3d::scaleBy(double s, const AcGePoint3d& wrt) { return *this = wrt + (*this - wrt) * s; }
+AcGePoint3d& AcGePoint3d::scaleBy(double s, const AcGePoint3d& wrt) {
+    return *this = wrt + (*this - wrt) * s;
+}
 
 // ---------------------------------------------------------------- 2D matrices
 
@@ -194,7 +202,8 @@ AcGeMatrix2d AcGeMatrix2d::operator*(const AcGeMatrix2d& m) const {
     for (int i = 0; i < 3; ++i)
         for (int j = 0; j < 3; ++j) {
             double s = 0.0;
-            for (int k = 0; k < 3; ++k) s += entry[i][k] * m.entry[k][j];
+            for (int k = 0; k < 3; ++k)
+                s += entry[i][k] * m.entry[k][j];
             r.entry[i][j] = s;
         }
     return r;
@@ -230,7 +239,8 @@ AcGeMatrix3d AcGeMatrix3d::operator*(const AcGeMatrix3d& m) const {
     for (int i = 0; i < 4; ++i)
         for (int j = 0; j < 4; ++j) {
             double s = 0.0;
-            for (int k = 0; k < 4; ++k) s += entry[i][k] * m.entry[k][j];
+            for (int k = 0; k < 4; ++k)
+                s += entry[i][k] * m.entry[k][j];
             r.entry[i][j] = s;
         }
     return r;
@@ -251,7 +261,8 @@ AcGeMatrix3d& AcGeMatrix3d::setToTranslation(const AcGeVector3d& v) {
     return *this;
 }
 
-AcGeMatrix3d& AcGeMatrix3d::setToRotation(double a, const AcGeVector3d& axis, const AcGePoint3d& center) {
+AcGeMatrix3d& AcGeMatrix3d::setToRotation(double a, const AcGeVector3d& axis,
+                                          const AcGePoint3d& center) {
     setToIdentity();
     const AcGeVector3d u = axis.normal();
     if (u.isZeroLength()) return *this;
@@ -284,7 +295,9 @@ AcGeMatrix3d& AcGeMatrix3d::setToScaling(double s, const AcGePoint3d& center) {
     return *this;
 }
 
-AcGeMatrix3d& AcGeMatrix3d::setToMirroring(const AcGePoint3d& p) { return setToScaling(-1.0, p); }
+AcGeMatrix3d& AcGeMatrix3d::setToMirroring(const AcGePoint3d& p) {
+    return setToScaling(-1.0, p);
+}
 
 AcGeMatrix3d& AcGeMatrix3d::setCoordSystem(const AcGePoint3d& origin, const AcGeVector3d& xAxis,
                                            const AcGeVector3d& yAxis, const AcGeVector3d& zAxis) {
@@ -298,7 +311,8 @@ AcGeMatrix3d& AcGeMatrix3d::setCoordSystem(const AcGePoint3d& origin, const AcGe
     return *this;
 }
 
-void AcGeMatrix3d::getCoordSystem(AcGePoint3d& origin, AcGeVector3d& x, AcGeVector3d& y, AcGeVector3d& z) const {
+void AcGeMatrix3d::getCoordSystem(AcGePoint3d& origin, AcGeVector3d& x, AcGeVector3d& y,
+                                  AcGeVector3d& z) const {
     for (int i = 0; i < 3; ++i) {
         x[i] = entry[i][0];
         y[i] = entry[i][1];
@@ -307,8 +321,9 @@ void AcGeMatrix3d::getCoordSystem(AcGePoint3d& origin, AcGeVector3d& x, AcGeVect
     }
 }
 
-AcGeMatrix3d& AcGeMatrix3d::setToAlignCoordSys(const AcGePoint3d& fromOrigin, const AcGeVector3d& fromX,
-                                               const AcGeVector3d& fromY, const AcGeVector3d& fromZ,
+AcGeMatrix3d& AcGeMatrix3d::setToAlignCoordSys(const AcGePoint3d& fromOrigin,
+                                               const AcGeVector3d& fromX, const AcGeVector3d& fromY,
+                                               const AcGeVector3d& fromZ,
                                                const AcGePoint3d& toOrigin, const AcGeVector3d& toX,
                                                const AcGeVector3d& toY, const AcGeVector3d& toZ) {
     AcGeMatrix3d from, to;
@@ -329,16 +344,27 @@ AcGeMatrix3d& AcGeMatrix3d::setToWorldToPlane(const AcGeVector3d& normal) {
     return transposeIt();
 }
 
-AcGeMatrix3d AcGeMatrix3d::translation(const AcGeVector3d& v) { return AcGeMatrix3d().setToTranslation(v); }
+AcGeMatrix3d AcGeMatrix3d::translation(const AcGeVector3d& v) {
+    return AcGeMatrix3d().setToTranslation(v);
+}
 AcGeMatrix3d AcGeMatrix3d::rotation(double a, const AcGeVector3d& axis, const AcGePoint3d& c) {
     return AcGeMatrix3d().setToRotation(a, axis, c);
 }
-AcGeMatrix3d AcGeMatrix3d::scaling(double s, const AcGePoint3d& c) { return AcGeMatrix3d().setToScaling(s, c); }
-AcGeMatrix3d AcGeMatrix3d::mirroring(const AcGePoint3d& p) { return AcGeMatrix3d().setToMirroring(p); }
-AcGeMatrix3d AcGeMatrix3d::planeToWorld(const AcGeVector3d& n) { return AcGeMatrix3d().setToPlaneToWorld(n); }
-AcGeMatrix3d AcGeMatrix3d::worldToPlane(const AcGeVector3d& n) { return AcGeMatrix3d().setToWorldToPlane(n); }
-AcGeMatrix3d AcGeMatrix3d::alignCoordSys(const AcGePoint3d& fo, const AcGeVector3d& fx, const AcGeVector3d& fy,
-                                         const AcGeVector3d& fz, const AcGePoint3d& to, const AcGeVector3d& tx,
+AcGeMatrix3d AcGeMatrix3d::scaling(double s, const AcGePoint3d& c) {
+    return AcGeMatrix3d().setToScaling(s, c);
+}
+AcGeMatrix3d AcGeMatrix3d::mirroring(const AcGePoint3d& p) {
+    return AcGeMatrix3d().setToMirroring(p);
+}
+AcGeMatrix3d AcGeMatrix3d::planeToWorld(const AcGeVector3d& n) {
+    return AcGeMatrix3d().setToPlaneToWorld(n);
+}
+AcGeMatrix3d AcGeMatrix3d::worldToPlane(const AcGeVector3d& n) {
+    return AcGeMatrix3d().setToWorldToPlane(n);
+}
+AcGeMatrix3d AcGeMatrix3d::alignCoordSys(const AcGePoint3d& fo, const AcGeVector3d& fx,
+                                         const AcGeVector3d& fy, const AcGeVector3d& fz,
+                                         const AcGePoint3d& to, const AcGeVector3d& tx,
                                          const AcGeVector3d& ty, const AcGeVector3d& tz) {
     return AcGeMatrix3d().setToAlignCoordSys(fo, fx, fy, fz, to, tx, ty, tz);
 }
@@ -375,33 +401,41 @@ AcGeMatrix3d AcGeMatrix3d::inverse() const {
             if (std::fabs(a[r][col]) > std::fabs(a[pivot][col])) pivot = r;
         if (a[pivot][col] == 0.0) return *this;
         if (pivot != col)
-            for (int j = 0; j < 8; ++j) std::swap(a[pivot][j], a[col][j]);
+            for (int j = 0; j < 8; ++j)
+                std::swap(a[pivot][j], a[col][j]);
         const double inv = 1.0 / a[col][col];
-        for (int j = 0; j < 8; ++j) a[col][j] *= inv;
+        for (int j = 0; j < 8; ++j)
+            a[col][j] *= inv;
         for (int r = 0; r < 4; ++r) {
             if (r == col || a[r][col] == 0.0) continue;
             const double f = a[r][col];
-            for (int j = 0; j < 8; ++j) a[r][j] -= f * a[col][j];
+            for (int j = 0; j < 8; ++j)
+                a[r][j] -= f * a[col][j];
         }
     }
     AcGeMatrix3d r;
     for (int i = 0; i < 4; ++i)
-        for (int j = 0; j < 4; ++j) r.entry[i][j] = a[i][j + 4];
+        for (int j = 0; j < 4; ++j)
+            r.entry[i][j] = a[i][j + 4];
     return r;
 }
 
-bool AcGeMatrix3d::isSingular(const AcGeTol& tol) const { return std::fabs(det()) <= tol.equalVector(); }
+bool AcGeMatrix3d::isSingular(const AcGeTol& tol) const {
+    return std::fabs(det()) <= tol.equalVector();
+}
 
 AcGeMatrix3d AcGeMatrix3d::transpose() const {
     AcGeMatrix3d r;
     for (int i = 0; i < 4; ++i)
-        for (int j = 0; j < 4; ++j) r.entry[i][j] = entry[j][i];
+        for (int j = 0; j < 4; ++j)
+            r.entry[i][j] = entry[j][i];
     return r;
 }
 
 double AcGeMatrix3d::scale() const {
     double s = 0.0;
-    for (int j = 0; j < 3; ++j) s = std::max(s, std::hypot(entry[0][j], entry[1][j], entry[2][j]));
+    for (int j = 0; j < 3; ++j)
+        s = std::max(s, std::hypot(entry[0][j], entry[1][j], entry[2][j]));
     return s;
 }
 

@@ -1,10 +1,10 @@
 // Drawing files: an SQLite database with a header table, a class table and an object table
 // holding each object's typed stream. A save is one transaction into a temporary file that
 // replaces the target only when complete, so a failed save loses nothing.
+#include "db/stub.h"
 #include "dbfilers.h"
 #include "dbmain.h"
 #include "dbproxy.h"
-#include "db/stub.h"
 #include "winstr.h"
 
 #include <sqlite3.h>
@@ -28,8 +28,7 @@ CREATE TABLE objects(handle INTEGER PRIMARY KEY, owner INTEGER NOT NULL, class I
                      erased INTEGER NOT NULL, data BLOB NOT NULL);
 )sql";
 
-std::string pathOf(const ACHAR* fileName)
-{
+std::string pathOf(const ACHAR* fileName) {
     std::string path = qorToUtf8(fileName);
     for (char& c : path)
         if (c == '\\') c = '/';
@@ -46,23 +45,22 @@ public:
     explicit operator bool() const { return mStmt != nullptr; }
     sqlite3_stmt* get() const { return mStmt; }
     bool step() { return sqlite3_step(mStmt) == SQLITE_ROW; }
-    bool run()
-    {
+    bool run() {
         int rc = sqlite3_step(mStmt);
         sqlite3_reset(mStmt);
         return rc == SQLITE_DONE;
     }
-    std::wstring text(int col) const
-    {
+    std::wstring text(int col) const {
         const auto* s = reinterpret_cast<const char*>(sqlite3_column_text(mStmt, col));
         return s ? qorFromUtf8(s) : std::wstring();
     }
     Adesk::Int64 integer(int col) const { return sqlite3_column_int64(mStmt, col); }
     void bind(int i, Adesk::Int64 v) { sqlite3_bind_int64(mStmt, i, v); }
     void bind(int i, const std::wstring& s) { bindUtf8(i, qorToUtf8(s)); }
-    void bindUtf8(int i, const std::string& s) { sqlite3_bind_text(mStmt, i, s.c_str(), -1, SQLITE_TRANSIENT); }
-    void bindBlob(int i, const void* data, size_t n)
-    {
+    void bindUtf8(int i, const std::string& s) {
+        sqlite3_bind_text(mStmt, i, s.c_str(), -1, SQLITE_TRANSIENT);
+    }
+    void bindBlob(int i, const void* data, size_t n) {
         sqlite3_bind_blob64(mStmt, i, n ? data : "", n, SQLITE_TRANSIENT);
     }
 
@@ -73,33 +71,36 @@ private:
 class Connection {
 public:
     ~Connection() { sqlite3_close(mDb); }
-    bool open(const std::string& path, int flags) { return sqlite3_open_v2(path.c_str(), &mDb, flags, nullptr) == SQLITE_OK; }
+    bool open(const std::string& path, int flags) {
+        return sqlite3_open_v2(path.c_str(), &mDb, flags, nullptr) == SQLITE_OK;
+    }
     sqlite3* get() const { return mDb; }
-    bool exec(const char* sql) { return sqlite3_exec(mDb, sql, nullptr, nullptr, nullptr) == SQLITE_OK; }
+    bool exec(const char* sql) {
+        return sqlite3_exec(mDb, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
+    }
     std::wstring error() const { return qorFromUtf8(mDb ? sqlite3_errmsg(mDb) : "cannot open"); }
 
 private:
     sqlite3* mDb = nullptr;
 };
 
-std::wstring number(double v)
-{
+std::wstring number(double v) {
     char buf[40];
     std::snprintf(buf, sizeof buf, "%.17g", v);
     return qorFromUtf8(buf);
 }
 
-std::wstring point(const AcGePoint3d& p) { return number(p.x) + L"," + number(p.y) + L"," + number(p.z); }
+std::wstring point(const AcGePoint3d& p) {
+    return number(p.x) + L"," + number(p.y) + L"," + number(p.z);
+}
 
-AcGePoint3d parsePoint(const std::wstring& s)
-{
+AcGePoint3d parsePoint(const std::wstring& s) {
     AcGePoint3d p;
     std::swscanf(s.c_str(), L"%lf,%lf,%lf", &p.x, &p.y, &p.z);
     return p;
 }
 
-bool isEntityClass(const AcDbClassRecord& rec)
-{
+bool isEntityClass(const AcDbClassRecord& rec) {
     // The parent row names a platform class for every module class.
     auto* parent = AcRxClass::cast(acrxClassDictionary()->at(rec.parent.c_str()));
     return parent && parent->isDerivedFrom(AcDbEntity::desc());
@@ -109,15 +110,13 @@ bool isEntityClass(const AcDbClassRecord& rec)
 
 // Internal access to objects and databases for the store.
 struct AcDbObjectAccess {
-    static void attach(AcDbObject* obj, AcDbStub* stub, AcDbObjectId owner)
-    {
+    static void attach(AcDbObject* obj, AcDbStub* stub, AcDbObjectId owner) {
         obj->mId = AcDbObjectId(stub);
         obj->mOwner = owner;
         obj->mOpenMode = AcDb::kForWrite;
         stub->object = obj;
     }
-    static void settle(AcDbObject* obj)
-    {
+    static void settle(AcDbObject* obj) {
         obj->mOpenMode = AcDb::kNotOpen;
         obj->mReaders = 0;
         obj->mModified = false;
@@ -129,8 +128,7 @@ struct AcDbObjectAccess {
 
 // ---------------------------------------------------------------- save
 
-Acad::ErrorStatus AcDbDatabase::saveAs(const ACHAR* fileName)
-{
+Acad::ErrorStatus AcDbDatabase::saveAs(const ACHAR* fileName) {
     if (!fileName || !*fileName) {
         mLastError = L"no file name";
         return Acad::eInvalidInput;
@@ -148,10 +146,12 @@ Acad::ErrorStatus AcDbDatabase::saveAs(const ACHAR* fileName)
     {
         Connection db;
         if (!db.open(temp, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE))
-            return fail(L"cannot create " + std::wstring(fileName) + L": " + db.error(), Acad::eFileAccessErr);
+            return fail(L"cannot create " + std::wstring(fileName) + L": " + db.error(),
+                        Acad::eFileAccessErr);
         db.exec("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF;");
         if (!db.exec(kSchema) || !db.exec("BEGIN"))
-            return fail(L"cannot write " + std::wstring(fileName) + L": " + db.error(), Acad::eFileAccessErr);
+            return fail(L"cannot write " + std::wstring(fileName) + L": " + db.error(),
+                        Acad::eFileAccessErr);
 
         Statement addClass(db.get(), "INSERT INTO classes VALUES(?,?,?,?,?,?)");
         Statement addObject(db.get(), "INSERT INTO objects VALUES(?,?,?,?,?)");
@@ -159,7 +159,8 @@ Acad::ErrorStatus AcDbDatabase::saveAs(const ACHAR* fileName)
         std::unordered_map<std::wstring, Adesk::Int64> classIds;
 
         auto classId = [&](const AcDbClassRecord& rec) {
-            auto [it, added] = classIds.try_emplace(rec.name, static_cast<Adesk::Int64>(classIds.size() + 1));
+            auto [it, added] =
+                classIds.try_emplace(rec.name, static_cast<Adesk::Int64>(classIds.size() + 1));
             if (added) {
                 addClass.bind(1, it->second);
                 addClass.bind(2, rec.name);
@@ -186,15 +187,16 @@ Acad::ErrorStatus AcDbDatabase::saveAs(const ACHAR* fileName)
                 bytes = &p->originalData();
             } else {
                 AcRxClass* c = obj->isA();
-                rec = {c->name(), c->myParent() ? c->myParent()->name() : c->parentName(), c->dxfName(), c->appName(),
-                       c->proxyFlags()};
+                rec = {c->name(), c->myParent() ? c->myParent()->name() : c->parentName(),
+                       c->dxfName(), c->appName(), c->proxyFlags()};
                 // Filing out reads the object; one nobody has open is read on the store's behalf.
                 const AcDb::OpenMode was = AcDbObjectAccess::openMode(obj);
                 if (was == AcDb::kNotOpen) AcDbObjectAccess::setOpenMode(obj, AcDb::kForRead);
                 Acad::ErrorStatus es = obj->dwgOutFields(&out);
                 AcDbObjectAccess::setOpenMode(obj, was);
                 if (es != Acad::eOk)
-                    return fail(L"cannot file out object " + qorFormat(L"%llX", static_cast<unsigned long long>(handle)) +
+                    return fail(L"cannot file out object " +
+                                    qorFormat(L"%llX", static_cast<unsigned long long>(handle)) +
                                     L" of class " + rec.name,
                                 es);
                 bytes = &out.bytes();
@@ -204,7 +206,9 @@ Acad::ErrorStatus AcDbDatabase::saveAs(const ACHAR* fileName)
             addObject.bind(3, classId(rec));
             addObject.bind(4, stub->erased ? 1 : 0);
             addObject.bindBlob(5, bytes->data(), bytes->size());
-            if (!addObject.run()) return fail(L"cannot write " + std::wstring(fileName) + L": " + db.error(), Acad::eFileAccessErr);
+            if (!addObject.run())
+                return fail(L"cannot write " + std::wstring(fileName) + L": " + db.error(),
+                            Acad::eFileAccessErr);
         }
 
         auto header = [&](const char* name, const std::wstring& value) {
@@ -212,7 +216,9 @@ Acad::ErrorStatus AcDbDatabase::saveAs(const ACHAR* fileName)
             addHeader.bind(2, value);
             addHeader.run();
         };
-        auto handleOf = [](AcDbObjectId id) { return qorFormat(L"%llX", static_cast<unsigned long long>(id.handle().value())); };
+        auto handleOf = [](AcDbObjectId id) {
+            return qorFormat(L"%llX", static_cast<unsigned long long>(id.handle().value()));
+        };
         header("format", qorFromUtf8(kFormat));
         header("version", std::to_wstring(kFormatVersion));
         header("HANDSEED", qorFormat(L"%llX", static_cast<unsigned long long>(mNextHandle)));
@@ -235,10 +241,14 @@ Acad::ErrorStatus AcDbDatabase::saveAs(const ACHAR* fileName)
         header("EXTMAX", point(mHeader.extmax));
         header("INSUNITS", std::to_wstring(mHeader.insunits));
 
-        if (!db.exec("COMMIT")) return fail(L"cannot write " + std::wstring(fileName) + L": " + db.error(), Acad::eFileAccessErr);
+        if (!db.exec("COMMIT"))
+            return fail(L"cannot write " + std::wstring(fileName) + L": " + db.error(),
+                        Acad::eFileAccessErr);
     }
     std::filesystem::rename(temp, path, ec);
-    if (ec) return fail(L"cannot replace " + std::wstring(fileName) + L": " + qorFromUtf8(ec.message()), Acad::eFileAccessErr);
+    if (ec)
+        return fail(L"cannot replace " + std::wstring(fileName) + L": " + qorFromUtf8(ec.message()),
+                    Acad::eFileAccessErr);
     mFileName = fileName;
     mLastError.clear();
     return Acad::eOk;
@@ -246,8 +256,7 @@ Acad::ErrorStatus AcDbDatabase::saveAs(const ACHAR* fileName)
 
 // ---------------------------------------------------------------- read
 
-Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* fileName)
-{
+Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* fileName) {
     if (!fileName || !*fileName) {
         mLastError = L"no file name";
         return Acad::eInvalidInput;
@@ -273,9 +282,11 @@ Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* fileName)
     {
         Statement q(db.get(), "SELECT name, value FROM header");
         if (!q) return fail(L"not a drawing file (" + db.error() + L")", Acad::eInvalidDwgVersion);
-        while (q.step()) header[q.text(0)] = q.text(1);
+        while (q.step())
+            header[q.text(0)] = q.text(1);
     }
-    if (header[L"format"] != qorFromUtf8(kFormat)) return fail(L"not a drawing file", Acad::eInvalidDwgVersion);
+    if (header[L"format"] != qorFromUtf8(kFormat))
+        return fail(L"not a drawing file", Acad::eInvalidDwgVersion);
     if (std::wcstol(header[L"version"].c_str(), nullptr, 10) > kFormatVersion)
         return fail(L"written by a newer version of this program", Acad::eInvalidDwgVersion);
 
@@ -285,7 +296,8 @@ Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* fileName)
         Statement q(db.get(), "SELECT id, name, parent, dxfname, app, proxyflags FROM classes");
         if (!q) return fail(L"damaged class table (" + db.error() + L")", Acad::eFilerError);
         while (q.step())
-            classes[q.integer(0)] = {q.text(1), q.text(2), q.text(3), q.text(4), static_cast<int>(q.integer(5))};
+            classes[q.integer(0)] = {q.text(1), q.text(2), q.text(3), q.text(4),
+                                     static_cast<int>(q.integer(5))};
     }
     {
         Statement q(db.get(), "SELECT handle FROM objects");
@@ -298,16 +310,19 @@ Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* fileName)
     }
 
     auto resolve = [this](AcDbHandle h) { return AcDbObjectId(stubFor(h.value(), !h.isNull())); };
-    Statement q(db.get(), "SELECT o.handle, o.owner, o.class, o.erased, o.data, "
-                          "(SELECT c.name FROM objects p JOIN classes c ON c.id = p.class WHERE p.handle = o.owner) "
-                          "FROM objects o ORDER BY o.handle");
+    Statement q(
+        db.get(),
+        "SELECT o.handle, o.owner, o.class, o.erased, o.data, "
+        "(SELECT c.name FROM objects p JOIN classes c ON c.id = p.class WHERE p.handle = o.owner) "
+        "FROM objects o ORDER BY o.handle");
     if (!q) return fail(L"damaged object table (" + db.error() + L")", Acad::eFilerError);
     while (q.step()) {
         const auto handle = static_cast<Adesk::UInt64>(q.integer(0));
         const auto owner = q.integer(1);
         auto cls = classes.find(q.integer(2));
         if (cls == classes.end())
-            return fail(qorFormat(L"object %llX has no class record", static_cast<unsigned long long>(handle)),
+            return fail(qorFormat(L"object %llX has no class record",
+                                  static_cast<unsigned long long>(handle)),
                         Acad::eFilerError);
         const AcDbClassRecord& rec = cls->second;
         const auto* data = static_cast<const std::uint8_t*>(sqlite3_column_blob(q.get(), 4));
@@ -330,7 +345,8 @@ Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* fileName)
                 obj = nullptr;
             } else if (es != Acad::eOk) {
                 return fail(qorFormat(L"object %llX of class %ls cannot be read (status %d)",
-                                      static_cast<unsigned long long>(handle), rec.name.c_str(), static_cast<int>(es)),
+                                      static_cast<unsigned long long>(handle), rec.name.c_str(),
+                                      static_cast<int>(es)),
                             es);
             }
         }
@@ -363,20 +379,24 @@ Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* fileName)
     mTextStyleTable = id(L"STYLETABLE");
     mRegAppTable = id(L"APPIDTABLE");
     mNamedObjects = id(L"NAMEDOBJECTS");
-    if (mBlockTable.isNull() || mLayerTable.isNull() || !mBlockTable.isResident() || !mLayerTable.isResident())
+    if (mBlockTable.isNull() || mLayerTable.isNull() || !mBlockTable.isResident() ||
+        !mLayerTable.isResident())
         return fail(L"the drawing has no block or layer table", Acad::eFilerError);
     mHeader.clayer = id(L"CLAYER");
     mHeader.celtype = id(L"CELTYPE");
     mHeader.textstyle = id(L"TEXTSTYLE");
-    mHeader.cecolor.setColor(static_cast<Adesk::UInt32>(std::wcstoul(header[L"CECOLOR"].c_str(), nullptr, 10)));
+    mHeader.cecolor.setColor(
+        static_cast<Adesk::UInt32>(std::wcstoul(header[L"CECOLOR"].c_str(), nullptr, 10)));
     mHeader.celtscale = std::wcstod(header[L"CELTSCALE"].c_str(), nullptr);
     mHeader.ltscale = std::wcstod(header[L"LTSCALE"].c_str(), nullptr);
-    mHeader.celweight = static_cast<AcDb::LineWeight>(std::wcstol(header[L"CELWEIGHT"].c_str(), nullptr, 10));
+    mHeader.celweight =
+        static_cast<AcDb::LineWeight>(std::wcstol(header[L"CELWEIGHT"].c_str(), nullptr, 10));
     mHeader.textsize = std::wcstod(header[L"TEXTSIZE"].c_str(), nullptr);
     mHeader.insbase = parsePoint(header[L"INSBASE"]);
     mHeader.extmin = parsePoint(header[L"EXTMIN"]);
     mHeader.extmax = parsePoint(header[L"EXTMAX"]);
-    mHeader.insunits = static_cast<Adesk::Int16>(std::wcstol(header[L"INSUNITS"].c_str(), nullptr, 10));
+    mHeader.insunits =
+        static_cast<Adesk::Int16>(std::wcstol(header[L"INSUNITS"].c_str(), nullptr, 10));
     if (!(mHeader.celtscale > 0)) mHeader.celtscale = 1.0;
     if (!(mHeader.ltscale > 0)) mHeader.ltscale = 1.0;
     if (!(mHeader.textsize > 0)) mHeader.textsize = 2.5;

@@ -19,35 +19,35 @@ struct LoadedModule {
     EntryPoint entry = nullptr;
 };
 
-std::vector<LoadedModule>& loadedModules()
-{
+std::vector<LoadedModule>& loadedModules() {
     static std::vector<LoadedModule> modules;
     return modules;
 }
 
 // Built-in modules and how many times each is loaded.
-std::map<std::wstring, int>& builtinLoads()
-{
+std::map<std::wstring, int>& builtinLoads() {
     static std::map<std::wstring, int> loads;
     return loads;
 }
 
-std::wstring lowerBaseName(const ACHAR* name)
-{
+std::wstring lowerBaseName(const ACHAR* name) {
     std::wstring s(name);
     auto slash = s.find_last_of(L"/\\");
     if (slash != std::wstring::npos) s.erase(0, slash + 1);
-    std::transform(s.begin(), s.end(), s.begin(), [](wchar_t c) { return c >= L'A' && c <= L'Z' ? c + 32 : c; });
+    std::transform(s.begin(), s.end(), s.begin(),
+                   [](wchar_t c) { return c >= L'A' && c <= L'Z' ? c + 32 : c; });
     return s;
 }
 
-bool isBuiltin(const std::wstring& base) { return base == L"acismui.arx" || base == L"acismobj.dbx"; }
+bool isBuiltin(const std::wstring& base) {
+    return base == L"acismui.arx" || base == L"acismobj.dbx";
+}
 
-std::string narrowPath(const std::wstring& w)
-{
+std::string narrowPath(const std::wstring& w) {
     std::string s;
     for (wchar_t c : w) {
-        if (c < 0x80) s += static_cast<char>(c);
+        if (c < 0x80)
+            s += static_cast<char>(c);
         else if (c < 0x800) {
             s += static_cast<char>(0xC0 | (c >> 6));
             s += static_cast<char>(0x80 | (c & 0x3F));
@@ -71,10 +71,11 @@ std::wstring gLastError;
 
 } // namespace
 
-const std::wstring& acrxLastModuleError() { return gLastError; }
+const std::wstring& acrxLastModuleError() {
+    return gLastError;
+}
 
-bool acrxLoadModule(const ACHAR* moduleName, bool printit, bool /*asCmd*/)
-{
+bool acrxLoadModule(const ACHAR* moduleName, bool printit, bool /*asCmd*/) {
     if (!moduleName || !*moduleName) return false;
     acrxSysRegistry();
     const std::wstring base = lowerBaseName(moduleName);
@@ -90,8 +91,9 @@ bool acrxLoadModule(const ACHAR* moduleName, bool printit, bool /*asCmd*/)
     void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_GLOBAL);
     if (!handle) {
         const char* err = dlerror();
-        gLastError = L"cannot load module " + std::wstring(moduleName) + L": " +
-                     std::wstring(err ? err : "", err ? err + std::char_traits<char>::length(err) : nullptr);
+        gLastError =
+            L"cannot load module " + std::wstring(moduleName) + L": " +
+            std::wstring(err ? err : "", err ? err + std::char_traits<char>::length(err) : nullptr);
         if (printit) std::fprintf(stderr, "%ls\n", gLastError.c_str());
         return false;
     }
@@ -109,8 +111,7 @@ bool acrxLoadModule(const ACHAR* moduleName, bool printit, bool /*asCmd*/)
     return true;
 }
 
-bool acrxUnloadModule(const ACHAR* moduleName, bool /*asCmd*/)
-{
+bool acrxUnloadModule(const ACHAR* moduleName, bool /*asCmd*/) {
     if (!moduleName) return false;
     const std::wstring base = lowerBaseName(moduleName);
     if (isBuiltin(base)) {
@@ -120,7 +121,8 @@ bool acrxUnloadModule(const ACHAR* moduleName, bool /*asCmd*/)
         return true;
     }
     auto& modules = loadedModules();
-    auto it = std::find_if(modules.begin(), modules.end(), [&](const LoadedModule& m) { return m.name == moduleName; });
+    auto it = std::find_if(modules.begin(), modules.end(),
+                           [&](const LoadedModule& m) { return m.name == moduleName; });
     if (it == modules.end()) return false;
     LoadedModule m = *it;
     modules.erase(it);
@@ -131,9 +133,9 @@ bool acrxUnloadModule(const ACHAR* moduleName, bool /*asCmd*/)
     return true;
 }
 
-std::vector<std::wstring> acrxLoadedModules()
-{
+std::vector<std::wstring> acrxLoadedModules() {
     std::vector<std::wstring> names;
-    for (const auto& m : loadedModules()) names.push_back(m.name);
+    for (const auto& m : loadedModules())
+        names.push_back(m.name);
     return names;
 }

@@ -16,8 +16,7 @@ AcRxDictionary* gSysRegistry = nullptr;
 
 std::wstring gCurrentModule;
 
-AcRxDictionary* makeSysRegistry()
-{
+AcRxDictionary* makeSysRegistry() {
     gSysRegistry = new AcRxDictionary();
     gSysRegistry->atPut(ACRX_CLASS_DICTIONARY, new AcRxDictionary());
     gSysRegistry->atPut(ACRX_SERVICE_DICTIONARY, new AcRxDictionary());
@@ -32,29 +31,32 @@ AcRxDictionary* makeSysRegistry()
 
 } // namespace
 
-AcRxDictionary* acrxSysRegistry()
-{
+AcRxDictionary* acrxSysRegistry() {
     static AcRxDictionary* registry = makeSysRegistry();
     return registry;
 }
 
-const std::wstring& acrxCurrentModule() { return gCurrentModule; }
+const std::wstring& acrxCurrentModule() {
+    return gCurrentModule;
+}
 
 // Used by module loading to attribute classes to the module being initialised.
-void acrxSetCurrentModule(const std::wstring& name) { gCurrentModule = name; }
+void acrxSetCurrentModule(const std::wstring& name) {
+    gCurrentModule = name;
+}
 
 // ---------------------------------------------------------------- AcRxObject
 
-AcRxClass* AcRxObject::desc()
-{
+AcRxClass* AcRxObject::desc() {
     static AcRxClass* s = acrxRegisterPlatformClass(L"AcRxObject", nullptr, nullptr, nullptr);
     return s;
 }
 
-AcRxClass* AcRxObject::isA() const { return AcRxObject::desc(); }
+AcRxClass* AcRxObject::isA() const {
+    return AcRxObject::desc();
+}
 
-bool AcRxObject::isKindOf(const AcRxClass* c) const
-{
+bool AcRxObject::isKindOf(const AcRxClass* c) const {
     const AcRxClass* mine = isA();
     return mine && c && mine->isDerivedFrom(c);
 }
@@ -63,8 +65,7 @@ ACRX_NO_CONS_DEFINE_MEMBERS(AcRxClass, AcRxObject)
 ACRX_NO_CONS_DEFINE_MEMBERS(AcRxDictionary, AcRxObject)
 ACRX_NO_CONS_DEFINE_MEMBERS(AcRxService, AcRxObject)
 
-bool AcRxClass::isDerivedFrom(const AcRxClass* other) const
-{
+bool AcRxClass::isDerivedFrom(const AcRxClass* other) const {
     // The depth limit keeps a damaged hierarchy from looping.
     const AcRxClass* c = this;
     for (int depth = 0; c && depth < 256; ++depth, c = c->mParent)
@@ -74,15 +75,13 @@ bool AcRxClass::isDerivedFrom(const AcRxClass* other) const
 
 // ---------------------------------------------------------------- dictionaries
 
-AcRxObject* AcRxDictionary::at(const ACHAR* key) const
-{
+AcRxObject* AcRxDictionary::at(const ACHAR* key) const {
     if (!key) return nullptr;
     auto it = mMap.find(key);
     return it == mMap.end() ? nullptr : it->second;
 }
 
-AcRxObject* AcRxDictionary::atPut(const ACHAR* key, AcRxObject* obj)
-{
+AcRxObject* AcRxDictionary::atPut(const ACHAR* key, AcRxObject* obj) {
     if (!key) return nullptr;
     auto [it, inserted] = mMap.try_emplace(key, obj);
     if (inserted) {
@@ -94,8 +93,7 @@ AcRxObject* AcRxDictionary::atPut(const ACHAR* key, AcRxObject* obj)
     return previous;
 }
 
-AcRxObject* AcRxDictionary::remove(const ACHAR* key)
-{
+AcRxObject* AcRxDictionary::remove(const ACHAR* key) {
     if (!key) return nullptr;
     auto it = mMap.find(key);
     if (it == mMap.end()) return nullptr;
@@ -109,18 +107,22 @@ AcRxObject* AcRxDictionary::remove(const ACHAR* key)
     return obj;
 }
 
-AcRxDictionaryIterator* AcRxDictionary::newIterator() const { return new AcRxDictionaryIterator(this); }
+AcRxDictionaryIterator* AcRxDictionary::newIterator() const {
+    return new AcRxDictionaryIterator(this);
+}
 
 // The iterator works on a snapshot of the keys so entries may be removed while iterating.
-AcRxDictionaryIterator::AcRxDictionaryIterator(const AcRxDictionary* d) : mDict(d), mKeys(d->mKeys) {}
+AcRxDictionaryIterator::AcRxDictionaryIterator(const AcRxDictionary* d)
+    : mDict(d), mKeys(d->mKeys) {}
 
-AcRxObject* AcRxDictionaryIterator::object() const { return done() ? nullptr : mDict->at(mKeys[mIndex].c_str()); }
+AcRxObject* AcRxDictionaryIterator::object() const {
+    return done() ? nullptr : mDict->at(mKeys[mIndex].c_str());
+}
 
 // ---------------------------------------------------------------- classes
 
-AcRxClass* acrxRegisterPlatformClass(const ACHAR* name, AcRxClass* parent, AcRxPseudoConstructor ctor,
-                                     const ACHAR* dxfName)
-{
+AcRxClass* acrxRegisterPlatformClass(const ACHAR* name, AcRxClass* parent,
+                                     AcRxPseudoConstructor ctor, const ACHAR* dxfName) {
     auto* c = new AcRxClass();
     c->mName = name;
     c->mParent = parent;
@@ -132,22 +134,19 @@ AcRxClass* acrxRegisterPlatformClass(const ACHAR* name, AcRxClass* parent, AcRxP
     return c;
 }
 
-void acrxAddPlatformClass(AcRxClass* c)
-{
+void acrxAddPlatformClass(AcRxClass* c) {
     auto* classes = static_cast<AcRxDictionary*>(gSysRegistry->at(ACRX_CLASS_DICTIONARY));
     if (c && !classes->has(c->name())) classes->atPut(c->name(), c);
 }
 
-void acrxRemovePlatformClass(AcRxClass* c)
-{
+void acrxRemovePlatformClass(AcRxClass* c) {
     AcRxDictionary* classes = acrxClassDictionary();
     if (c && classes->at(c->name()) == c) classes->remove(c->name());
 }
 
-AcRxClass* newAcRxClass(const ACHAR* className, const ACHAR* parentClassName, int dwgVer, int maintVer,
-                        int proxyFlags, AcRxPseudoConstructor pseudoConstructor, const ACHAR* dxfName,
-                        const ACHAR* appName, AppNameChangeFuncPtr func)
-{
+AcRxClass* newAcRxClass(const ACHAR* className, const ACHAR* parentClassName, int dwgVer,
+                        int maintVer, int proxyFlags, AcRxPseudoConstructor pseudoConstructor,
+                        const ACHAR* dxfName, const ACHAR* appName, AppNameChangeFuncPtr func) {
     if (!className || !*className) return nullptr;
     auto* c = new AcRxClass();
     c->mName = className;
@@ -161,7 +160,8 @@ AcRxClass* newAcRxClass(const ACHAR* className, const ACHAR* parentClassName, in
     c->mAppNameChange = func;
     c->mModule = gCurrentModule;
     AcRxDictionary* classes = acrxClassDictionary();
-    if (AcRxClass* parent = AcRxClass::cast(classes->at(c->mParentName.c_str()))) c->mParent = parent;
+    if (AcRxClass* parent = AcRxClass::cast(classes->at(c->mParentName.c_str())))
+        c->mParent = parent;
     if (AcRxObject* old = classes->atPut(className, c); old && old != c) {
         // A second definition under one name would leave dangling descriptors everywhere.
         acrx_abort(L"Class mismatch");
@@ -170,22 +170,20 @@ AcRxClass* newAcRxClass(const ACHAR* className, const ACHAR* parentClassName, in
 }
 
 AcRxClass* newAcRxClass(const ACHAR* className, const ACHAR* parentClassName, int proxyFlags,
-                        AcRxPseudoConstructor pseudoConstructor, const ACHAR* dxfName, const ACHAR* appName)
-{
-    return newAcRxClass(className, parentClassName, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, proxyFlags,
-                        pseudoConstructor, dxfName, appName, nullptr);
+                        AcRxPseudoConstructor pseudoConstructor, const ACHAR* dxfName,
+                        const ACHAR* appName) {
+    return newAcRxClass(className, parentClassName, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent,
+                        proxyFlags, pseudoConstructor, dxfName, appName, nullptr);
 }
 
-void deleteAcRxClass(AcRxClass* pClassObj)
-{
+void deleteAcRxClass(AcRxClass* pClassObj) {
     if (!pClassObj) return;
     AcRxDictionary* classes = acrxClassDictionary();
     if (classes->at(pClassObj->name()) == pClassObj) classes->remove(pClassObj->name());
     delete pClassObj;
 }
 
-void acrxBuildClassHierarchy()
-{
+void acrxBuildClassHierarchy() {
     AcRxDictionary* classes = acrxClassDictionary();
     for (AcRxDictionaryIterator it(classes); !it.done(); it.next()) {
         auto* c = static_cast<AcRxClass*>(it.object());
@@ -196,8 +194,7 @@ void acrxBuildClassHierarchy()
 
 // ---------------------------------------------------------------- services
 
-AcRxObject* acrxRegisterService(const ACHAR* serviceName)
-{
+AcRxObject* acrxRegisterService(const ACHAR* serviceName) {
     if (!serviceName) return nullptr;
     AcRxDictionary* services = acrxServiceDictionary();
     if (AcRxObject* existing = services->at(serviceName)) return existing;
@@ -206,16 +203,23 @@ AcRxObject* acrxRegisterService(const ACHAR* serviceName)
     return service;
 }
 
-bool acrxServiceIsRegistered(const ACHAR* serviceName) { return acrxServiceDictionary()->has(serviceName); }
+bool acrxServiceIsRegistered(const ACHAR* serviceName) {
+    return acrxServiceDictionary()->has(serviceName);
+}
 
 // ---------------------------------------------------------------- application state
 
-bool acrxUnlockApplication(void*) { return true; }
-bool acrxApplicationIsLocked(const ACHAR*) { return false; }
-bool acrxRegisterAppMDIAware(void*) { return true; }
+bool acrxUnlockApplication(void*) {
+    return true;
+}
+bool acrxApplicationIsLocked(const ACHAR*) {
+    return false;
+}
+bool acrxRegisterAppMDIAware(void*) {
+    return true;
+}
 
-void acrx_abort(const ACHAR* format, ...)
-{
+void acrx_abort(const ACHAR* format, ...) {
     wchar_t buf[1024];
     va_list ap;
     va_start(ap, format);

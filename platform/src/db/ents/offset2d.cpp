@@ -9,9 +9,15 @@ namespace {
 
 constexpr double kPi = std::numbers::pi;
 
-double cross(const AcGeVector2d& a, const AcGeVector2d& b) { return a.x * b.y - a.y * b.x; }
-AcGeVector2d dirOf(double angle) { return {std::cos(angle), std::sin(angle)}; }
-double angleOf(const AcGeVector2d& v) { return std::atan2(v.y, v.x); }
+double cross(const AcGeVector2d& a, const AcGeVector2d& b) {
+    return a.x * b.y - a.y * b.x;
+}
+AcGeVector2d dirOf(double angle) {
+    return {std::cos(angle), std::sin(angle)};
+}
+double angleOf(const AcGeVector2d& v) {
+    return std::atan2(v.y, v.x);
+}
 // Into (-pi, pi].
 double wrapPi(double a) {
     a = std::remainder(a, 2.0 * kPi);
@@ -110,7 +116,8 @@ struct Solver {
         AcGePoint2d cand[2];
         const int n = carriersMeet(p, q, cand);
         if (n > 0) {
-            j.at = (n == 2 && cand[1].distanceTo(ref) < cand[0].distanceTo(ref)) ? cand[1] : cand[0];
+            j.at =
+                (n == 2 && cand[1].distanceTo(ref) < cand[0].distanceTo(ref)) ? cand[1] : cand[0];
             return j;
         }
         // The carriers part: go round the original corner, or straight across after a
@@ -137,7 +144,8 @@ struct Solver {
     }
 
     // The piece cut or extended to run from x0 to x1; false when that reverses it.
-    bool trim(const Piece& p, const AcGePoint2d& x0, const AcGePoint2d& x1, Piece& out, double& signedLen) const {
+    bool trim(const Piece& p, const AcGePoint2d& x0, const AcGePoint2d& x1, Piece& out,
+              double& signedLen) const {
         out = p;
         if (!p.arc) {
             out.a = x0;
@@ -147,7 +155,8 @@ struct Solver {
         }
         const double sense = p.sweep > 0 ? 1.0 : -1.0;
         const double t0 = wrapPi(sense * (angleOf(x0 - p.c) - p.start));
-        const double t1 = std::fabs(p.sweep) + wrapPi(sense * (angleOf(x1 - p.c) - (p.start + p.sweep)));
+        const double t1 =
+            std::fabs(p.sweep) + wrapPi(sense * (angleOf(x1 - p.c) - (p.start + p.sweep)));
         signedLen = (t1 - t0) * p.r;
         if (signedLen <= tol || t1 - t0 >= 2.0 * kPi) return false;
         out.start = p.start + sense * t0;
@@ -211,7 +220,8 @@ void emit(const Piece& p, BulgePath& out) {
 std::optional<BulgePath> offsetPath(const BulgePath& path, double dist) {
     if (!std::isfinite(dist)) return std::nullopt;
     double size = std::fabs(dist);
-    for (const BulgeVertex& v : path.verts) size = std::max({size, std::fabs(v.pt.x), std::fabs(v.pt.y)});
+    for (const BulgeVertex& v : path.verts)
+        size = std::max({size, std::fabs(v.pt.x), std::fabs(v.pt.y)});
     const Solver solver{1e-9 * std::max(1.0, size)};
     const double tol = solver.tol;
 
@@ -237,7 +247,8 @@ std::optional<BulgePath> offsetPath(const BulgePath& path, double dist) {
         if (closed && m < 2) return std::nullopt;
         const size_t joints = closed ? m : m - 1;
         std::vector<Joint> joint(joints);
-        for (size_t k = 0; k < joints; ++k) joint[k] = solver.join(pieces[k], pieces[(k + 1) % m]);
+        for (size_t k = 0; k < joints; ++k)
+            joint[k] = solver.join(pieces[k], pieces[(k + 1) % m]);
 
         std::vector<Piece> trimmed(m);
         std::vector<double> len(m);
@@ -247,7 +258,8 @@ std::optional<BulgePath> offsetPath(const BulgePath& path, double dist) {
             const Piece& p = pieces[k];
             const Joint* before = (k > 0) ? &joint[k - 1] : (closed ? &joint[m - 1] : nullptr);
             const Joint* after = (k + 1 < m || closed) ? &joint[k] : nullptr;
-            const AcGePoint2d x0 = !before ? p.startPt() : (before->bridged ? p.startPt() : before->at);
+            const AcGePoint2d x0 =
+                !before ? p.startPt() : (before->bridged ? p.startPt() : before->at);
             const AcGePoint2d x1 = !after ? p.endPt() : (after->bridged ? p.endPt() : after->at);
             reversed[k] = !solver.trim(p, x0, x1, trimmed[k], len[k]);
             anyReversed = anyReversed || reversed[k];
@@ -273,7 +285,8 @@ std::optional<BulgePath> offsetPath(const BulgePath& path, double dist) {
         if (closed && reversed[0]) {
             // Start the scan after a kept piece so that a run is never split at the seam.
             size_t first = 0;
-            while (first < m && reversed[first]) ++first;
+            while (first < m && reversed[first])
+                ++first;
             if (first == m) return std::nullopt;
             k = first;
         }

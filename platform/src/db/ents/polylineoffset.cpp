@@ -2,11 +2,13 @@
 #include "db/ents/offset2d.h"
 #include "dbents.h"
 
-Acad::ErrorStatus AcDbPolyline::getOffsetCurves(double offsetDist, AcDbVoidPtrArray& offsetCurves) const {
+Acad::ErrorStatus AcDbPolyline::getOffsetCurves(double offsetDist,
+                                                AcDbVoidPtrArray& offsetCurves) const {
     assertReadEnabled();
     ents_detail::BulgePath path;
     path.closed = mClosed;
-    for (const Vertex& v : mVerts) path.verts.push_back({v.pt, v.bulge});
+    for (const Vertex& v : mVerts)
+        path.verts.push_back({v.pt, v.bulge});
     const std::optional<ents_detail::BulgePath> result = ents_detail::offsetPath(path, offsetDist);
     if (!result) return Acad::eInvalidInput;
 
