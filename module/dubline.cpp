@@ -151,8 +151,7 @@ Acad::ErrorStatus AcdbQorDubLine::dwgInFields(AcDbDwgFiler* filer) {
     assertWriteEnabled();
     if (Acad::ErrorStatus es = AcDbEntity::dwgInFields(filer); es != Acad::eOk) return es;
     Adesk::UInt16 version = 0;
-    filer->readUInt16(&version);
-    if (version > kVersion) return Acad::eMakeMeProxy;
+    if (Acad::ErrorStatus es = qorReadVersion(filer, kVersion, version); es != Acad::eOk) return es;
     if (version != kVersion && version != kOldVersion) return filer->filerStatus();
     filer->readDouble(&mWidth);
     Adesk::UInt32 n = 0;
@@ -172,8 +171,7 @@ Acad::ErrorStatus AcdbQorDubLine::dwgInFields(AcDbDwgFiler* filer) {
 Acad::ErrorStatus AcdbQorDubLine::dxfOutFields(AcDbDxfFiler* filer) const {
     assertReadEnabled();
     if (Acad::ErrorStatus es = AcDbEntity::dxfOutFields(filer); es != Acad::eOk) return es;
-    filer->writeString(AcDb::kDxfSubclass, L"AcdbQorDubLine");
-    filer->writeUInt16(AcDb::kDxfInt16, kVersion);
+    qorDxfOutHeader(filer, L"AcdbQorDubLine", kVersion);
     filer->writeDouble(AcDb::kDxfReal, mWidth);
     return filer->filerStatus();
 }
@@ -181,14 +179,11 @@ Acad::ErrorStatus AcdbQorDubLine::dxfOutFields(AcDbDxfFiler* filer) const {
 Acad::ErrorStatus AcdbQorDubLine::dxfInFields(AcDbDxfFiler* filer) {
     assertWriteEnabled();
     if (Acad::ErrorStatus es = AcDbEntity::dxfInFields(filer); es != Acad::eOk) return es;
-    if (!filer->atSubclassData(L"AcdbQorDubLine")) return filer->filerStatus();
+    bool proceed = false;
+    if (Acad::ErrorStatus es = qorDxfInHeader(filer, L"AcdbQorDubLine", kVersion, proceed);
+        !proceed)
+        return es;
     resbuf rb{};
-    filer->readItem(&rb);
-    if (rb.restype != AcDb::kDxfInt16) {
-        filer->pushBackItem();
-        return filer->filerStatus();
-    }
-    if (static_cast<Adesk::UInt16>(rb.resval.rint) > kVersion) return Acad::eMakeMeProxy;
     // The width is written under group 40 but read from 43; files already written depend on it.
     while (filer->readItem(&rb) == Acad::eOk) {
         if (rb.restype != AcDb::kDxfViewFrontClip) {

@@ -17,6 +17,36 @@ void M_WriteHardId(AcDbDwgFiler* filer, AcDbHardPointerId id) {
     filer->writeHardPointerId(id.isEffectivelyErased() ? AcDbHardPointerId() : id);
 }
 
+Acad::ErrorStatus qorReadVersion(AcDbDwgFiler* filer, Adesk::UInt16 highest,
+                                 Adesk::UInt16& version) {
+    version = 0;
+    filer->readUInt16(&version);
+    if (filer->filerStatus() != Acad::eOk) return filer->filerStatus();
+    return version > highest ? Acad::eMakeMeProxy : Acad::eOk;
+}
+
+void qorDxfOutHeader(AcDbDxfFiler* filer, const ACHAR* className, Adesk::UInt16 version,
+                     QorDxfOrder order) {
+    if (order == QorDxfOrder::kVersionFirst) filer->writeUInt16(AcDb::kDxfInt16, version);
+    filer->writeString(AcDb::kDxfSubclass, className);
+    if (order == QorDxfOrder::kMarkerFirst) filer->writeUInt16(AcDb::kDxfInt16, version);
+}
+
+Acad::ErrorStatus qorDxfInHeader(AcDbDxfFiler* filer, const ACHAR* className, Adesk::UInt16 current,
+                                 bool& proceed) {
+    proceed = false;
+    if (!filer->atSubclassData(className)) return filer->filerStatus();
+    resbuf rb{};
+    filer->readItem(&rb);
+    if (rb.restype != AcDb::kDxfInt16) {
+        filer->pushBackItem();
+        return filer->filerStatus();
+    }
+    if (static_cast<Adesk::UInt16>(rb.resval.rint) > current) return Acad::eMakeMeProxy;
+    proceed = true;
+    return filer->filerStatus();
+}
+
 int M_ExplodeOut(AcDbEntity* ent, AcArray<void*>& ents, void* btr) {
     if (!ent) return 0;
     if (!btr) {

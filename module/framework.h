@@ -17,6 +17,21 @@ void M_ReadStr(AcDbDwgFiler* filer, CString& s);
 // An id whose object is effectively erased is written as a null id.
 void M_WriteHardId(AcDbDwgFiler* filer, AcDbHardPointerId id);
 
+// Reads a version tag; a tag newer than the class knows asks for a proxy (301).
+Acad::ErrorStatus qorReadVersion(AcDbDwgFiler* filer, Adesk::UInt16 highest,
+                                 Adesk::UInt16& version);
+
+// The DXF subclass marker (100, the class name) and version (70): most classes write the
+// marker first, some the version first, and drawings already hold both orders.
+enum class QorDxfOrder { kMarkerFirst, kVersionFirst };
+void qorDxfOutHeader(AcDbDxfFiler* filer, const ACHAR* className, Adesk::UInt16 version,
+                     QorDxfOrder order = QorDxfOrder::kMarkerFirst);
+// Finds the marker and reads the version. eOk with proceed true when the class's own groups
+// follow; eOk with proceed false when they do not (no marker, or no version group, which is
+// pushed back); 301 for a version newer than current; otherwise the filer's status.
+Acad::ErrorStatus qorDxfInHeader(AcDbDxfFiler* filer, const ACHAR* className, Adesk::UInt16 current,
+                                 bool& proceed);
+
 // ---------------------------------------------------------------- explode and export
 
 // Null ent: 0. Null btr: ent goes to ents (1). Otherwise ent is appended to btr and closed (1),
