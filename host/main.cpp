@@ -1,4 +1,5 @@
 // qor: the command-line host. Loads the object module as a CAD host does and works on drawings.
+#include "aced.h"
 #include "cmdline.h"
 #include "dbmain.h"
 #include "dbsymtb.h"
@@ -6,11 +7,17 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cstdio>
+#include <cwctype>
+#include <exception>
 #include <filesystem>
+#include <fstream>
+#include <iostream>
 #include <memory>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -101,6 +108,120 @@ int listDrawing(const std::string& file) {
     return 0;
 }
 
+// Command modules named with --load, unloaded in reverse order when the script is done.
+class CommandModules {
+public:
+    CommandModules() = default;
+    CommandModules(const CommandModules&) = delete;
+    CommandModules& operator=(const CommandModules&) = delete;
+    ~CommandModules() {
+        for (auto it = mLoaded.rbegin(); it != mLoaded.rend(); ++it)
+            acrxUnloadModule(it->c_str());
+    }
+    bool load(const std::string& path) {
+        // A file in the current folder, not a library searched for by name.
+        std::error_code ec;
+        const fs::path file = fs::exists(path, ec) ? fs::absolute(path, ec) : fs::path(path);
+        std::wstring name = qorFromUtf8(file.string());
+        // A module already loaded (the object module, or one named twice) stays its owner's.
+        const std::vector<std::wstring> before = acrxLoadedModules();
+        if (std::find(before.begin(), before.end(), name) != before.end()) return true;
+        if (!acrxLoadModule(name.c_str(), false)) return false;
+        mLoaded.push_back(std::move(name));
+        return true;
+    }
+
+private:
+    std::vector<std::wstring> mLoaded;
+};
+
+// Makes a database the working one, and none again at the end.
+class WorkingDatabase {
+public:
+    explicit WorkingDatabase(AcDbDatabase* db) {
+        acdbHostApplicationServices()->setWorkingDatabase(db);
+    }
+    ~WorkingDatabase() { acdbHostApplicationServices()->setWorkingDatabase(nullptr); }
+    WorkingDatabase(const WorkingDatabase&) = delete;
+    WorkingDatabase& operator=(const WorkingDatabase&) = delete;
+};
+
+// Points the prompts at the script for the life of the run.
+class PromptInput {
+public:
+    explicit PromptInput(std::istream* in) { qorSetPromptInput(in); }
+    ~PromptInput() {
+        qorSetPromptInput(nullptr);
+        qorSetPromptEcho(true);
+    }
+    PromptInput(const PromptInput&) = delete;
+    PromptInput& operator=(const PromptInput&) = delete;
+};
+
+struct RunOptions {
+    std::string script, open, save;
+    std::vector<std::string> load;
+};
+
+std::wstring trimmed(const std::wstring& s) {
+    size_t b = 0, e = s.size();
+    while (b < e && std::iswspace(s[b]))
+        ++b;
+    while (e > b && std::iswspace(s[e - 1]))
+        --e;
+    return s.substr(b, e - b);
+}
+
+// Runs the script's commands on the working database. At the top level a line names a
+// command; blank lines and lines starting with ';' are skipped. The lines after a command
+// are its answers, read by its prompts.
+int runScript(const RunOptions& options) {
+    std::ifstream file;
+    std::istream* in = &std::cin;
+    if (options.script != "-") {
+        file.open(options.script, std::ios::binary);
+        if (!file) return fail(L"cannot open script " + qorFromUtf8(options.script));
+        in = &file;
+    }
+    // The drawing goes before the modules whose objects it may hold.
+    CommandModules modules;
+    std::unique_ptr<AcDbDatabase> db;
+    for (const std::string& path : options.load)
+        if (!modules.load(path)) return fail(acrxLastModuleError());
+    if (options.open.empty()) {
+        db = std::make_unique<AcDbDatabase>();
+    } else {
+        std::wstring error;
+        db = openDrawing(options.open, error);
+        if (!db) return fail(error);
+    }
+    WorkingDatabase working(db.get());
+    PromptInput input(in);
+    // A person typing sees the answer already.
+    if (in == &std::cin && isatty(STDIN_FILENO)) qorSetPromptEcho(false);
+
+    std::wstring line;
+    while (qorReadInputLine(line)) {
+        const std::wstring name = trimmed(line);
+        if (name.empty() || name[0] == L';') continue;
+        const std::wstring where = L" (line " + std::to_wstring(qorInputLineNumber()) + L")";
+        acutPrintf(L"\nCommand: %s", name.c_str());
+        try {
+            if (!qorRunCommand(name.c_str())) {
+                acutPrintf(L"\n");
+                return fail(L"unknown command " + name + where);
+            }
+        } catch (const std::exception& e) {
+            acutPrintf(L"\n");
+            return fail(L"command " + name + L" failed: " + qorFromUtf8(e.what()) + where);
+        }
+    }
+    acutPrintf(L"\n");
+    if (!options.save.empty() && db->saveAs(qorFromUtf8(options.save).c_str()) != Acad::eOk)
+        return fail(db->lastError());
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -117,11 +238,22 @@ int main(int argc, char** argv) {
     auto* list = app.add_subcommand("list", "print the listing of every entity of a drawing");
     list->add_option("file", listFile, "drawing file (.qdb)")->required();
 
+    RunOptions runOptions;
+    auto* run = app.add_subcommand(
+        "run", "run a script of commands on a drawing (a new one unless --open is given)");
+    run->add_option("script", runOptions.script, "script file, or - for standard input")
+        ->required();
+    run->add_option("--open", runOptions.open, "drawing to open first (.qdb)");
+    run->add_option("--save", runOptions.save, "file to save the drawing to after the script");
+    run->add_option("--load", runOptions.load, "command module to load (repeatable)")
+        ->allow_extra_args(false);
+
     CLI11_PARSE(app, argc, argv);
 
     ModuleSession module(!noModule, modulePath);
     if (!module.ok(!noModule)) return fail(acrxLastModuleError());
     if (*classes) return printClasses();
     if (*list) return listDrawing(listFile);
+    if (*run) return runScript(runOptions);
     return 0;
 }
