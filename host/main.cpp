@@ -3,6 +3,8 @@
 #include "cmdline.h"
 #include "dbmain.h"
 #include "dbsymtb.h"
+#include "host/demo.h"
+#include "host/drawings.h"
 #include "winstr.h"
 
 #include <CLI/CLI.hpp>
@@ -33,12 +35,6 @@ std::string defaultModulePath() {
         if (fs::exists(beside, ec)) return beside.string();
     }
     return QOR_DEFAULT_MODULE;
-}
-
-int fail(const std::wstring& message) {
-    std::fflush(stdout);
-    std::fprintf(stderr, "qor: %s\n", qorToUtf8(message).c_str());
-    return 1;
 }
 
 // Loads the module for the life of the command and unloads it after every drawing is gone.
@@ -74,40 +70,6 @@ int printClasses() {
     return 0;
 }
 
-std::unique_ptr<AcDbDatabase> openDrawing(const std::string& file, std::wstring& error) {
-    auto db = std::make_unique<AcDbDatabase>(false, true);
-    if (db->readDwgFile(qorFromUtf8(file).c_str()) != Acad::eOk) {
-        error = db->lastError();
-        return nullptr;
-    }
-    return db;
-}
-
-int listDrawing(const std::string& file) {
-    std::wstring error;
-    auto db = openDrawing(file, error);
-    if (!db) return fail(error);
-    acdbHostApplicationServices()->setWorkingDatabase(db.get());
-    int count = 0;
-    for (AcDbObjectId spaceId : {db->modelSpaceId(), db->paperSpaceId()}) {
-        AcDbBlockTableRecord* space = nullptr;
-        if (acdbOpenObject(space, spaceId, AcDb::kForRead) != Acad::eOk) continue;
-        std::vector<AcDbObjectId> ids = space->entityIds();
-        space->close();
-        for (AcDbObjectId id : ids) {
-            AcDbEntity* ent = nullptr;
-            if (acdbOpenObject(ent, id, AcDb::kForRead) != Acad::eOk) continue;
-            ent->list();
-            acutPrintf(L"\n");
-            ent->close();
-            ++count;
-        }
-    }
-    acutPrintf(L"%d entities\n", count);
-    acdbHostApplicationServices()->setWorkingDatabase(nullptr);
-    return 0;
-}
-
 // Command modules named with --load, unloaded in reverse order when the script is done.
 class CommandModules {
 public:
@@ -133,17 +95,6 @@ public:
 
 private:
     std::vector<std::wstring> mLoaded;
-};
-
-// Makes a database the working one, and none again at the end.
-class WorkingDatabase {
-public:
-    explicit WorkingDatabase(AcDbDatabase* db) {
-        acdbHostApplicationServices()->setWorkingDatabase(db);
-    }
-    ~WorkingDatabase() { acdbHostApplicationServices()->setWorkingDatabase(nullptr); }
-    WorkingDatabase(const WorkingDatabase&) = delete;
-    WorkingDatabase& operator=(const WorkingDatabase&) = delete;
 };
 
 // Points the prompts at the script for the life of the run.
@@ -248,6 +199,9 @@ int main(int argc, char** argv) {
     run->add_option("--load", runOptions.load, "command module to load (repeatable)")
         ->allow_extra_args(false);
 
+    QorAction action;
+    addDemoCommand(app, action);
+
     CLI11_PARSE(app, argc, argv);
 
     ModuleSession module(!noModule, modulePath);
@@ -255,5 +209,6 @@ int main(int argc, char** argv) {
     if (*classes) return printClasses();
     if (*list) return listDrawing(listFile);
     if (*run) return runScript(runOptions);
+    if (action) return action();
     return 0;
 }
