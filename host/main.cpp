@@ -5,6 +5,7 @@
 #include "dbsymtb.h"
 #include "host/demo.h"
 #include "host/drawings.h"
+#include "host/regcommand.h"
 #include "winstr.h"
 
 #include <CLI/CLI.hpp>
@@ -201,6 +202,7 @@ int main(int argc, char** argv) {
 
     QorAction action;
     addDemoCommand(app, action);
+    addRegCommand(app, action);
 
     CLI11_PARSE(app, argc, argv);
 
