@@ -1,0 +1,83 @@
+// The triangulation engine: a Delaunay triangulation of plan points built by divide and
+// conquer over edges with four neighbour links each, the merges decided by comparing the
+// cotangents of the angles the candidates see the base edge under.
+//
+// One network lives for one call of the toolkit's triangulation functions; nothing is kept
+// between calls. Running out of memory ends the process after telling the user: the engine has
+// no way back.
+#pragma once
+
+#include "acarray.h"
+#include "gebasic.h"
+
+#include <memory>
+
+namespace qor::tin {
+
+// An edge with its origin end[0] and destination end[1], and around each end the next and
+// previous edge counter-clockwise: next[0] and prev[0] around the origin, next[1] and prev[1]
+// around the destination. Indexing by end rather than naming the four links lets the walks
+// pick a link without a branch on which end they stand at.
+struct Edge {
+    int end[2];
+    int next[2];
+    int prev[2];
+};
+
+// 0 when v is the edge's origin, 1 when it is its destination.
+inline int endOf(const Edge& d, int v) {
+    return d.end[0] == v ? 0 : 1;
+}
+
+class Network {
+public:
+    Network() = default;
+    Network(const Network&) = delete;
+    Network& operator=(const Network&) = delete;
+
+    // Triangulates pts[0..n-1], which must stay alive and unchanged while the network is used.
+    // False, leaving the network empty, for fewer than 2 points, a coordinate that is not
+    // finite, or two points at the same plan position (the engine's arithmetic needs distinct
+    // points; callers clean their lists first).
+    bool build(const AcGePoint3d* pts, int n);
+
+    // Points are numbered by their place in the order by x, then y, so that neighbours in the
+    // network are mostly neighbours in memory; id gives a place's number in the input.
+    int size() const { return mCount; }
+    int id(int v) const { return mOrder[v]; }
+    const AcGePoint3d& point(int v) const { return mPts[mOrder[v]]; }
+    // One edge that has v as an end, or -1 when v has none.
+    int entry(int v) const { return mEntry[v]; }
+    int other(int e, int v) const { return mEdges[e].end[1 - endOf(mEdges[e], v)]; }
+    // The edges around v, counter-clockwise.
+    int next(int e, int v) const { return mEdges[e].next[endOf(mEdges[e], v)]; }
+    int prev(int e, int v) const { return mEdges[e].prev[endOf(mEdges[e], v)]; }
+
+    // The rotation around u passing from u-v to u-w closes a triangle u, v, w both for a face
+    // and, when the hull has three corners, for the outside. True for the outside.
+    bool isOuterFace(int u, int v, int w) const;
+
+    // Every ring of edges closes on itself with matching forward and backward links, and every
+    // edge of a point's ring has that point as an end.
+    bool isValid() const;
+
+private:
+    const AcGePoint3d* mPts = nullptr;
+    int mCount = 0;
+    int mEdgeRecords = 0;
+    std::unique_ptr<int[]> mEntry;
+    std::unique_ptr<int[]> mOrder;
+    std::unique_ptr<Edge[]> mEdges;
+    // The hull edge leaving the leftmost point counter-clockwise: the outside lies on the left
+    // of its reverse.
+    int mHullFrom = -1, mHullTo = -1;
+};
+
+// Whether every point has finite x and y: the clean-up sorts by plan position, which means
+// nothing for a coordinate that is not a number.
+bool planFinite(const AcArray<AcGePoint3d>& pts);
+
+// Prints the engine's out-of-memory message and ends the process with exit code 1.
+[[noreturn]] void outOfMemory();
+
+} // namespace qor::tin
