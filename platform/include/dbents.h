@@ -1,4 +1,5 @@
 // Plain entities: curves (line, arc, circle, lightweight polyline), text and block reference.
+// The other curves and the hatch have headers of their own, included at the end.
 #pragma once
 
 #include "dbmain.h"
@@ -11,6 +12,7 @@ class AcGeLineSeg2d;
 class AcGeLineSeg3d;
 class AcGeCircArc2d;
 class AcGeCircArc3d;
+class AcGeCurve3d;
 
 // ---------------------------------------------------------------- curves
 
@@ -53,6 +55,17 @@ public:
     virtual Acad::ErrorStatus extend(bool extendStart, const AcGePoint3d& toPoint);
     virtual Acad::ErrorStatus getArea(double& area) const;
     virtual Acad::ErrorStatus reverseCurve();
+
+    // The curve as geometry, owned by the caller: lines as segments, arcs and circles as
+    // circular arcs, ellipses as elliptical arcs, splines and polylines as NURBS curves.
+    virtual Acad::ErrorStatus getAcGeCurve(AcGeCurve3d*& geCurve,
+                                           const AcGeTol& tol = AcGeContext::gTol) const;
+    // A database curve for geometry (owned by the caller): segments and lines make lines,
+    // circular arcs arcs or circles, elliptical arcs ellipses, NURBS curves splines. The normal
+    // is used for a line's normal when given.
+    static Acad::ErrorStatus createFromAcGeCurve(const AcGeCurve3d& geCurve, AcDbCurve*& dbCurve,
+                                                 AcGeVector3d* normal = nullptr,
+                                                 const AcGeTol& tol = AcGeContext::gTol);
 
     // Extents and intersections work for every pair of the platform's curves.
     Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
@@ -423,3 +436,9 @@ private:
     double mRotation = 0.0;
     friend struct AcDbBlockReferenceImpl;
 };
+
+#include "db2dpoly.h"
+#include "db3dpoly.h"
+#include "dbelipse.h"
+#include "dbhatch.h"
+#include "dbspline.h"

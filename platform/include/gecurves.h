@@ -1,11 +1,15 @@
-// Curves of the geometry library (lines, segments, circular arcs) and the plane.
+// Curves of the geometry library (lines, segments, circular arcs) and the plane; elliptical
+// arcs are in geellip.h, NURBS curves and knot vectors in genurbs.h.
 //
 // Curves are plain values: copy() hands the caller a new object to delete. Parameters:
 // lines and segments run along their defining vector (a segment from 0 at its start to 1 at
 // its end); arcs are parametrised by angle from their reference vector, in the arc's sense.
 #pragma once
 
+#include "acarray.h"
 #include "gebasic.h"
+
+using AcGeVoidPointerArray = AcArray<void*>;
 
 namespace AcGe {
 enum EntityId {
@@ -22,6 +26,12 @@ enum EntityId {
     kCircArc2d,
     kCircArc3d,
     kPlane,
+    kEllipArc2d,
+    kEllipArc3d,
+    kSplineEnt2d,
+    kSplineEnt3d,
+    kNurbCurve2d,
+    kNurbCurve3d,
 };
 } // namespace AcGe
 
@@ -117,6 +127,17 @@ public:
     virtual bool isClosed(const AcGeTol& tol = AcGeContext::gTol) const = 0;
     // Runs the curve the other way; the point set is unchanged.
     virtual AcGeCurve2d& reverseParam() = 0;
+
+    // The parameter at arc length `length` from datumParam, forwards or backwards; bounded
+    // curves stop at their ends.
+    double paramAtLength(double datumParam, double length, bool posParamDir = true,
+                         double tol = AcGeContext::gTol.equalPoint()) const;
+    // numSample points evenly spaced in parameter over a bounded curve (none otherwise).
+    void getSamplePoints(int numSample, AcGePoint2dArray& pointArray) const;
+    // Points from fromParam to toParam whose chords stay within approxEps of the curve, with
+    // their parameters.
+    void getSamplePoints(double fromParam, double toParam, double approxEps,
+                         AcGePoint2dArray& pointArray, AcGeDoubleArray& paramArray) const;
 };
 
 class AcGeCurve3d : public AcGeEntity3d {
@@ -142,6 +163,13 @@ public:
     virtual double length(double fromParam, double toParam) const = 0;
     virtual bool isClosed(const AcGeTol& tol = AcGeContext::gTol) const = 0;
     virtual AcGeCurve3d& reverseParam() = 0;
+
+    // As for the 2D curves.
+    double paramAtLength(double datumParam, double length, bool posParamDir = true,
+                         double tol = AcGeContext::gTol.equalPoint()) const;
+    void getSamplePoints(int numSample, AcGePoint3dArray& pointArray) const;
+    void getSamplePoints(double fromParam, double toParam, double approxEps,
+                         AcGePoint3dArray& pointArray, AcGeDoubleArray& paramArray) const;
 };
 
 // ---------------------------------------------------------------- 2D lines

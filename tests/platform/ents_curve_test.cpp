@@ -1,5 +1,6 @@
 // Curve queries of the plain entities: parameters, distances, closest points, splitting,
-// areas, polyline segments, transforms, extents and explode.
+// areas, polyline segments, transforms, extents and explode. The shared checks run on every
+// kind of curve, the exact line-and-arc ones and the evaluated ones alike.
 #include "dbents.h"
 
 #include <gtest/gtest.h>
@@ -51,6 +52,51 @@ std::vector<Named> sampleCurves() {
     closed->setNormal(AcGeVector3d(0.2, -0.3, 1));
     closed->setElevation(-1.5);
     out.push_back({"pline closed", std::move(closed)});
+
+    out.push_back(
+        {"ellipse", std::make_unique<AcDbEllipse>(AcGePoint3d(1, -2, 0.5), AcGeVector3d(0, 0, 1),
+                                                  AcGeVector3d(3, 1, 0), 0.4)});
+    out.push_back({"ellipse arc tilted",
+                   std::make_unique<AcDbEllipse>(AcGePoint3d(-1, 1, 2), AcGeVector3d(1, -1, 2),
+                                                 AcGeVector3d(2, 2, 0), 0.6, 0.5, 4.0)});
+    AcGePoint3dArray fit;
+    for (const auto& p : {AcGePoint3d(0, 0, 0), AcGePoint3d(2, 1, 1), AcGePoint3d(4, -1, 0),
+                          AcGePoint3d(6, 2, -1), AcGePoint3d(7, 0, 1)})
+        fit.append(p);
+    out.push_back({"spline fit", std::make_unique<AcDbSpline>(fit)});
+    AcGePoint3dArray ring;
+    for (const auto& p : {AcGePoint3d(0, 0, 0), AcGePoint3d(4, 0, 0), AcGePoint3d(5, 3, 0),
+                          AcGePoint3d(1, 4, 0), AcGePoint3d(0, 0, 0)})
+        ring.append(p);
+    out.push_back({"spline closed", std::make_unique<AcDbSpline>(ring)});
+    AcGePoint3dArray ctrl;
+    for (const auto& p : {AcGePoint3d(0, 0, 0), AcGePoint3d(1, 3, 0), AcGePoint3d(3, 4, 1),
+                          AcGePoint3d(5, 1, 1), AcGePoint3d(6, -2, 0), AcGePoint3d(8, 0, 0)})
+        ctrl.append(p);
+    out.push_back({"spline rational",
+                   std::make_unique<AcDbSpline>(3, true, false, false, ctrl,
+                                                AcGeDoubleArray{0, 0, 0, 0, 1, 2, 3, 3, 3, 3},
+                                                AcGeDoubleArray{1, 2, 0.5, 1, 1.5, 1})});
+    AcGePoint3dArray v2;
+    for (const auto& p :
+         {AcGePoint3d(0, 0, 0), AcGePoint3d(4, 0, 0), AcGePoint3d(4, 3, 0), AcGePoint3d(1, 5, 0)})
+        v2.append(p);
+    AcGeDoubleArray bulges{0.5, 0.0, -0.7, 0.0};
+    auto heavy =
+        std::make_unique<AcDb2dPolyline>(AcDb::k2dSimplePoly, v2, 1.5, false, 0.0, 0.0, &bulges);
+    heavy->setNormal(AcGeVector3d(0.1, 0.2, 1));
+    out.push_back({"2d pline", std::move(heavy)});
+    out.push_back({"2d pline spline fit",
+                   std::make_unique<AcDb2dPolyline>(AcDb::k2dQuadSplinePoly, v2, 0.0, true)});
+    out.push_back(
+        {"2d pline curve fit", std::make_unique<AcDb2dPolyline>(AcDb::k2dFitCurvePoly, v2)});
+    AcGePoint3dArray v3;
+    for (const auto& p :
+         {AcGePoint3d(0, 0, 0), AcGePoint3d(3, 1, 2), AcGePoint3d(4, 4, -1), AcGePoint3d(0, 3, 1)})
+        v3.append(p);
+    out.push_back({"3d pline", std::make_unique<AcDb3dPolyline>(AcDb::k3dSimplePoly, v3)});
+    out.push_back(
+        {"3d pline closed", std::make_unique<AcDb3dPolyline>(AcDb::k3dSimplePoly, v3, true)});
     return out;
 }
 
@@ -569,4 +615,60 @@ TEST(EntsCurve, GripsOffsetsAndSnaps) {
     circle.getOsnapPoints(AcDb::kOsModeTan, 0, AcGePoint3d(), AcGePoint3d(1, 7, 0), view, snaps,
                           ids);
     EXPECT_EQ(snaps.length(), 2);
+}
+
+TEST(EntsCurve, ClosestPointSeenAlongADirection) {
+    const AcGeVector3d dir = AcGeVector3d(0.2, -0.3, 1).normal();
+    // The distance between two points as a viewer looking along dir sees it.
+    auto seen = [&](const AcGePoint3d& a, const AcGePoint3d& b) {
+        AcGeVector3d d = b - a;
+        d -= dir * d.dotProduct(dir);
+        return d.length();
+    };
+    std::mt19937 rng(99);
+    std::uniform_real_distribution<double> coord(-6.0, 6.0);
+    for (auto& [name, c] : sampleCurves()) {
+        SCOPED_TRACE(name);
+        const double len = lengthOf(c.get());
+        std::vector<AcGePoint3d> samples;
+        for (int k = 0; k <= 600; ++k) {
+            AcGePoint3d p;
+            c->getPointAtDist(len * k / 600, p);
+            samples.push_back(p);
+        }
+        for (int trial = 0; trial < 10; ++trial) {
+            const AcGePoint3d given(coord(rng), coord(rng), coord(rng));
+            AcGePoint3d on;
+            ASSERT_EQ(c->getClosestPointTo(given, dir, on), Acad::eOk);
+            double param = 0.0;
+            EXPECT_EQ(c->getParamAtPoint(on, param), Acad::eOk) << "not on the curve";
+            for (const auto& s : samples)
+                ASSERT_LE(seen(given, on), seen(given, s) + 1e-9);
+        }
+    }
+}
+
+TEST(EntsCurve, ExtentsHoldEverySampleAndTouchIt) {
+    for (auto& [name, c] : sampleCurves()) {
+        SCOPED_TRACE(name);
+        AcDbExtents ext;
+        ASSERT_EQ(c->getGeomExtents(ext), Acad::eOk);
+        const double len = lengthOf(c.get());
+        AcGePoint3d lo(1e300, 1e300, 1e300), hi(-1e300, -1e300, -1e300);
+        for (int k = 0; k <= 2000; ++k) {
+            AcGePoint3d p;
+            c->getPointAtDist(len * k / 2000, p);
+            for (unsigned a = 0; a < 3; ++a) {
+                EXPECT_GE(p[a], ext.minPoint()[a] - 1e-9);
+                EXPECT_LE(p[a], ext.maxPoint()[a] + 1e-9);
+                lo[a] = std::min(lo[a], p[a]);
+                hi[a] = std::max(hi[a], p[a]);
+            }
+        }
+        // Tight: no face of the box stands off the curve by more than a step of the walk.
+        for (unsigned a = 0; a < 3; ++a) {
+            EXPECT_NEAR(lo[a], ext.minPoint()[a], len / 2000);
+            EXPECT_NEAR(hi[a], ext.maxPoint()[a], len / 2000);
+        }
+    }
 }

@@ -1,4 +1,5 @@
-// Intersections between lines, arcs, circles and polylines in the four extension modes.
+// Intersections between every kind of curve in the four extension modes: the exact
+// line-and-arc pairs and the evaluated ones (ellipses, splines, heavy polylines).
 #include "dbents.h"
 #include "gecurves.h"
 
@@ -63,6 +64,29 @@ std::vector<Shape> shapes() {
                                 {{-2, -2, 0}, {2, -1.5, 0.6}, {1.5, 2, 0}, {-1, 1.5, -0.4}}))});
     out.push_back({"pline closed", std::unique_ptr<AcDbCurve>(makePline(
                                        {{-1, -1, 0.3}, {1, -1, 0}, {1, 1, 0}, {-1, 1, 0}}, true))});
+    out.push_back(
+        {"ellipse", std::make_unique<AcDbEllipse>(AcGePoint3d(0.3, -0.2, 0), AcGeVector3d(0, 0, 1),
+                                                  AcGeVector3d(2, 0.5, 0), 0.5)});
+    out.push_back({"ellipse arc",
+                   std::make_unique<AcDbEllipse>(AcGePoint3d(-0.5, 0.5, 0), AcGeVector3d(0, 0, 1),
+                                                 AcGeVector3d(0, 1.5, 0), 0.6, 0.3, 4.5)});
+    AcGePoint3dArray fit;
+    for (const auto& p :
+         {AcGePoint3d(-2.5, -0.5, 0), AcGePoint3d(-1, 1.2, 0), AcGePoint3d(0.5, -1, 0),
+          AcGePoint3d(2, 0.8, 0), AcGePoint3d(2.8, -0.3, 0)})
+        fit.append(p);
+    out.push_back({"spline", std::make_unique<AcDbSpline>(fit)});
+    AcGePoint3dArray v2;
+    for (const auto& p : {AcGePoint3d(-2, 1, 0), AcGePoint3d(0, -2, 0), AcGePoint3d(2, 1.5, 0)})
+        v2.append(p);
+    AcGeDoubleArray bulges{0.3, -0.4, 0.0};
+    out.push_back({"2d pline", std::make_unique<AcDb2dPolyline>(AcDb::k2dSimplePoly, v2, 0.0, false,
+                                                                0.0, 0.0, &bulges)});
+    AcGePoint3dArray v3;
+    for (const auto& p :
+         {AcGePoint3d(-2.2, -1.2, 0), AcGePoint3d(1, 2.2, 0), AcGePoint3d(2.5, -1.8, 0)})
+        v3.append(p);
+    out.push_back({"3d pline", std::make_unique<AcDb3dPolyline>(AcDb::k3dSimplePoly, v3)});
     return out;
 }
 
@@ -98,7 +122,7 @@ TEST(EntsIntersect, EveryPairAndModeGivesPointsOnBoth) {
                 total += pts.length();
             }
         }
-    EXPECT_GT(total, 50); // the shapes do cross
+    EXPECT_GT(total, 300); // the shapes do cross
 }
 
 TEST(EntsIntersect, OnlyTheExtensionMeets) {
@@ -223,4 +247,86 @@ TEST(EntsIntersect, OutOfPlaneAndProjected) {
     AcGePoint3dArray none;
     EXPECT_NE(c.intersectWith(&text, AcDb::kOnBothOperands, none), Acad::eOk);
     EXPECT_EQ(none.length(), 0);
+}
+
+TEST(EntsIntersect, EveryCrossingOfALineIsFound) {
+    // Against an endless line, the crossings are where the signed distance changes sign along
+    // the curve: a dense walk counts them independently.
+    const AcGePoint3d bases[] = {{0.1, 0.2, 0}, {-0.7, 0.33, 0}, {0.45, -1.1, 0}};
+    const double angles[] = {0.17, 1.1, 2.3, 3.0};
+    auto all = shapes();
+    for (auto& s : all) {
+        SCOPED_TRACE(s.name);
+        double e = 0.0, len = 0.0;
+        s.curve->getEndParam(e);
+        s.curve->getDistAtParam(e, len);
+        std::vector<AcGePoint3d> walk;
+        for (int k = 0; k <= 4000; ++k) {
+            AcGePoint3d p;
+            s.curve->getPointAtDist(len * k / 4000, p);
+            walk.push_back(p);
+        }
+        for (const auto& base : bases)
+            for (double a : angles) {
+                const AcGeVector3d dir(std::cos(a), std::sin(a), 0);
+                AcDbLine line(base, base + dir);
+                int changes = 0;
+                for (size_t k = 1; k < walk.size(); ++k) {
+                    const double d0 = dir.crossProduct(walk[k - 1] - base).z,
+                                 d1 = dir.crossProduct(walk[k] - base).z;
+                    changes += (d0 < 0) != (d1 < 0);
+                }
+                const AcGePoint3dArray pts = meet(s.curve.get(), &line, AcDb::kExtendArg);
+                EXPECT_EQ(pts.length(), changes) << base.x << " " << a;
+            }
+    }
+}
+
+TEST(EntsIntersect, EvaluatedCurvesInSpaceAndSeenAlongAnAxis) {
+    // A spline standing in the YZ plane rests on an ellipse lying in the XY plane.
+    AcDbEllipse e(AcGePoint3d(0, 0, 0), AcGeVector3d(0, 0, 1), AcGeVector3d(0, 2, 0), 0.5);
+    AcDbSpline arch(AcGePoint3dArray{{0, -2, 0}, {0, 0, 1.5}, {0, 2, 0}});
+    const AcGePoint3dArray p = meet(&e, &arch, AcDb::kOnBothOperands);
+    ASSERT_EQ(p.length(), 2);
+    EXPECT_TRUE(has(p, AcGePoint3d(0, 2, 0)) && has(p, AcGePoint3d(0, -2, 0)));
+    // A 3D polyline piercing the ellipse's plane inside it misses; at its rim it meets.
+    AcDb3dPolyline through(AcDb::k3dSimplePoly, AcGePoint3dArray{{0, 0, -1}, {0, 0, 1}});
+    EXPECT_EQ(meet(&e, &through, AcDb::kOnBothOperands).length(), 0);
+    AcDb3dPolyline rim(AcDb::k3dSimplePoly, AcGePoint3dArray{{1, 0, -1}, {1, 0, 1}, {3, 0, 2}});
+    const AcGePoint3dArray r = meet(&rim, &e, AcDb::kOnBothOperands);
+    ASSERT_EQ(r.length(), 1);
+    EXPECT_TRUE(r[0].isEqualTo(AcGePoint3d(1, 0, 0)));
+
+    // Seen from above, the arch is the segment x = 0 across the ellipse: two points, on the arch.
+    AcGePoint3dArray pp;
+    ASSERT_EQ(arch.intersectWith(&e, AcDb::kOnBothOperands,
+                                 AcGePlane(AcGePoint3d(0, 0, 0), AcGeVector3d(0, 0, 1)), pp),
+              Acad::eOk);
+    EXPECT_EQ(pp.length(), 2);
+    AcDbLine high(AcGePoint3d(-3, 1, 5), AcGePoint3d(3, 1, 5));
+    pp.removeAll();
+    ASSERT_EQ(high.intersectWith(&arch, AcDb::kOnBothOperands,
+                                 AcGePlane(AcGePoint3d(0, 0, 0), AcGeVector3d(0, 0, 1)), pp),
+              Acad::eOk);
+    ASSERT_EQ(pp.length(), 1);
+    EXPECT_TRUE(pp[0].isEqualTo(AcGePoint3d(0, 1, 5))); // on this, the line
+    // An arc seen at a slant is an ellipse in the view: the crossings are still found.
+    AcDbCircle tilted(AcGePoint3d(0, 0, 0), AcGeVector3d(1, 0, 1), 1.0);
+    AcDbLine across(AcGePoint3d(-2, 0, 3), AcGePoint3d(2, 0, 3));
+    pp.removeAll();
+    ASSERT_EQ(tilted.intersectWith(&across, AcDb::kOnBothOperands,
+                                   AcGePlane(AcGePoint3d(0, 0, 0), AcGeVector3d(0, 0, 1)), pp),
+              Acad::eOk);
+    ASSERT_EQ(pp.length(), 2);
+    for (const auto& q : pp)
+        EXPECT_NEAR(std::fabs(q.x), std::sqrt(0.5), 1e-9);
+
+    // Extending an elliptical arc takes in the rest of its ellipse; a spline does not extend.
+    AcDbEllipse arc(AcGePoint3d(0, 0, 0), AcGeVector3d(0, 0, 1), AcGeVector3d(2, 0, 0), 0.5, 0.0,
+                    kPi);
+    AcDbLine low(AcGePoint3d(-3, -0.5, 0), AcGePoint3d(3, -0.5, 0));
+    EXPECT_EQ(meet(&arc, &low, AcDb::kOnBothOperands).length(), 0);
+    EXPECT_EQ(meet(&arc, &low, AcDb::kExtendThis).length(), 2);
+    AcDbSpline shortS(AcGePoint3dArray{{-1, 1, 0}, {0, 2, 0}, {1, 1, 0}});
+    EXPECT_EQ(meet(&shortS, &low, AcDb::kExtendThis).length(), 0);
 }

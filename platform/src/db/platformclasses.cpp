@@ -32,8 +32,17 @@ void acdbRegisterPlatformClasses() {
              AcDbArc::desc(),
              AcDbCircle::desc(),
              AcDbPolyline::desc(),
+             AcDb2dPolyline::desc(),
+             AcDb3dPolyline::desc(),
+             AcDbVertex::desc(),
+             AcDb2dVertex::desc(),
+             AcDb3dPolylineVertex::desc(),
+             AcDbEllipse::desc(),
+             AcDbSpline::desc(),
+             AcDbHatch::desc(),
              AcDbText::desc(),
              AcDbBlockReference::desc(),
+             AcDbObjectIterator::desc(),
          })
         acrxAddPlatformClass(c);
 }

@@ -1,5 +1,6 @@
-// Curves: the parameter, distance and point queries every plain curve shares, splitting,
-// extension to a point, extents and intersection.
+// Curves: the parameter, distance and point queries every curve shares, splitting, extension
+// to a point, extents and intersection. Line-and-arc curves use their exact pieces, the others
+// (ellipses, splines, 3D polylines) their evaluated paths.
 #include "db/ents/entsimpl.h"
 #include "gecurves.h"
 
@@ -10,140 +11,40 @@ ACRX_NO_CONS_DEFINE_MEMBERS(AcDbCurve, AcDbEntity)
 
 using namespace ents_detail;
 
-namespace ents_detail {
-
-bool curveGeom(const AcDbCurve* c, CurveGeom& g) {
-    g = CurveGeom();
-    if (const AcDbLine* l = AcDbLine::cast(c))
-        AcDbLineImpl::geom(*l, g);
-    else if (const AcDbArc* a = AcDbArc::cast(c))
-        AcDbArcImpl::geom(*a, g);
-    else if (const AcDbCircle* ci = AcDbCircle::cast(c))
-        AcDbCircleImpl::geom(*ci, g);
-    else if (const AcDbPolyline* p = AcDbPolyline::cast(c))
-        AcDbPolylineImpl::geom(*p, g);
-    else
-        return false;
-    return !g.empty();
-}
-
-AcDbCurve* subCurve(const AcDbCurve* c, double from, double to) {
-    if (const AcDbLine* l = AcDbLine::cast(c)) return AcDbLineImpl::sub(*l, from, to);
-    if (const AcDbArc* a = AcDbArc::cast(c)) return AcDbArcImpl::sub(*a, from, to);
-    if (const AcDbCircle* ci = AcDbCircle::cast(c)) return AcDbCircleImpl::sub(*ci, from, to);
-    if (const AcDbPolyline* p = AcDbPolyline::cast(c)) return AcDbPolylineImpl::sub(*p, from, to);
-    return nullptr;
-}
-
-bool nextItem(AcDbDxfFiler* filer, resbuf& rb) {
-    rb = resbuf{};
-    return filer->readItem(&rb) == Acad::eOk;
-}
-
-AcGePoint3d rbPoint(const resbuf& rb) {
-    return {rb.resval.rpoint[0], rb.resval.rpoint[1], rb.resval.rpoint[2]};
-}
-
-AcGeVector3d rbVector(const resbuf& rb) {
-    return {rb.resval.rpoint[0], rb.resval.rpoint[1], rb.resval.rpoint[2]};
-}
-
-void curveSnaps(const CurveGeom& g, AcDb::OsnapMode mode, const AcGePoint3d& pick,
-                const AcGePoint3d& last, AcGePoint3dArray& pts) {
-    const double tol = g.tolerance(1e-9);
-    switch (mode) {
-    case AcDb::kOsModeEnd:
-        for (size_t i = 0; i < g.pieces.size(); ++i) {
-            if (g.pieces[i].isFullCircle()) continue;
-            addUnique(pts, g.worldAt(i, 0.0), tol);
-            addUnique(pts, g.worldAt(i, 1.0), tol);
-        }
-        break;
-    case AcDb::kOsModeMid:
-        for (size_t i = 0; i < g.pieces.size(); ++i)
-            if (!g.pieces[i].isFullCircle()) addUnique(pts, g.worldAt(i, 0.5), tol);
-        break;
-    case AcDb::kOsModeCen:
-        for (const auto& pc : g.pieces)
-            if (pc.arc) addUnique(pts, g.frame.toWorld(pc.c), tol);
-        break;
-    case AcDb::kOsModeQuad:
-        for (const auto& pc : g.pieces) {
-            if (!pc.arc) continue;
-            for (int q = 0; q < 4; ++q) {
-                const double t = q * kPi / 2.0;
-                const double off = pc.sweep >= 0.0 ? ccwSweep(pc.start, t) : ccwSweep(t, pc.start);
-                if (pc.isFullCircle() || off <= std::fabs(pc.sweep) + 1e-12)
-                    addUnique(pts,
-                              g.frame.toWorld(pc.c + AcGeVector2d(std::cos(t), std::sin(t)) * pc.r),
-                              tol);
-            }
-        }
-        break;
-    case AcDb::kOsModeNear: {
-        size_t i = 0;
-        double u = 0.0;
-        AcGePoint3d on;
-        g.closest(pick, false, i, u, on);
-        pts.append(on);
-        break;
-    }
-    case AcDb::kOsModePerp: {
-        const AcGePoint2d q = g.frame.toLocal(last);
-        for (size_t i = 0; i < g.pieces.size(); ++i) {
-            const Piece& pc = g.pieces[i];
-            if (!pc.arc) {
-                // Lines snap to the foot on their whole line, as a deferred perpendicular would.
-                const bool whole = g.linear;
-                const double u = pc.closestU(q, whole, whole);
-                if (whole || (u > 0.0 && u < 1.0)) addUnique(pts, g.worldAt(i, u), tol);
-                continue;
-            }
-            const AcGeVector2d d = q - pc.c;
-            if (d.length() <= tol) continue;
-            const double t = std::atan2(d.y, d.x);
-            for (double a : {t, t + kPi}) {
-                const AcGePoint2d p = pc.c + AcGeVector2d(std::cos(a), std::sin(a)) * pc.r;
-                if (pc.onPiece(pc.uOf(p), tol, false, false))
-                    addUnique(pts, g.frame.toWorld(p), tol);
-            }
-        }
-        break;
-    }
-    case AcDb::kOsModeTan: {
-        const AcGePoint2d q = g.frame.toLocal(last);
-        for (const auto& pc : g.pieces) {
-            if (!pc.arc) continue;
-            const AcGeVector2d d = q - pc.c;
-            const double dist = d.length();
-            if (dist <= pc.r) continue;
-            const double t = std::atan2(d.y, d.x), alpha = std::acos(pc.r / dist);
-            for (double a : {t + alpha, t - alpha}) {
-                const AcGePoint2d p = pc.c + AcGeVector2d(std::cos(a), std::sin(a)) * pc.r;
-                if (pc.onPiece(pc.uOf(p), tol, false, false))
-                    addUnique(pts, g.frame.toWorld(p), tol);
-            }
-        }
-        break;
-    }
-    default:
-        break;
-    }
-}
-
-} // namespace ents_detail
-
-// ---------------------------------------------------------------- queries
-
 namespace {
 
 // The geometry of a curve being read, or the status its queries report.
 struct Geom {
     CurveGeom g;
+    PathGeom path;
+    bool isPath = false;
     Acad::ErrorStatus es = Acad::eOk;
     explicit Geom(const AcDbCurve* c) {
         c->assertReadEnabled();
-        if (!curveGeom(c, g)) es = Acad::eNotImplementedYet;
+        if (curveGeom(c, g)) return;
+        es = pathGeom(c, path);
+        isPath = es == Acad::eOk;
+    }
+    double startParam() const { return isPath ? path.t0 : g.startParam(); }
+    double endParam() const { return isPath ? path.t1 : g.endParam(); }
+    bool closed() const { return isPath ? path.closed : g.closed; }
+    Acad::ErrorStatus pointAtParam(double t, AcGePoint3d& p) const {
+        return isPath ? path.pointAtParam(t, p) : g.pointAtParam(t, p);
+    }
+    Acad::ErrorStatus paramAtPoint(const AcGePoint3d& p, double& t) const {
+        return isPath ? path.paramAtPoint(p, t) : g.paramAtPoint(p, t);
+    }
+    Acad::ErrorStatus distAtParam(double t, double& d) const {
+        return isPath ? path.distAtParam(t, d) : g.distAtParam(t, d);
+    }
+    Acad::ErrorStatus paramAtDist(double d, double& t) const {
+        return isPath ? path.paramAtDist(d, t) : g.paramAtDist(d, t);
+    }
+    Acad::ErrorStatus firstDeriv(double t, AcGeVector3d& d) const {
+        return isPath ? path.firstDeriv(t, d) : g.firstDeriv(t, d);
+    }
+    Acad::ErrorStatus secondDeriv(double t, AcGeVector3d& d) const {
+        return isPath ? path.secondDeriv(t, d) : g.secondDeriv(t, d);
     }
 };
 
@@ -152,6 +53,16 @@ struct Geom {
 Acad::ErrorStatus AcDbCurve::getPlane(AcGePlane& plane, AcDb::Planarity& type) const {
     Geom c(this);
     if (c.es != Acad::eOk) return c.es;
+    if (c.isPath) {
+        AcGePoint3d origin;
+        AcGeVector3d normal;
+        if (!c.path.plane(origin, normal, type)) {
+            type = AcDb::kNonPlanar;
+            return Acad::eNotApplicable;
+        }
+        plane.set(origin, normal);
+        return Acad::eOk;
+    }
     plane.set(c.g.frame.origin, c.g.frame.z);
     type = c.g.linear ? AcDb::kLinear : AcDb::kPlanar;
     return Acad::eOk;
@@ -159,92 +70,96 @@ Acad::ErrorStatus AcDbCurve::getPlane(AcGePlane& plane, AcDb::Planarity& type) c
 
 Acad::ErrorStatus AcDbCurve::getStartParam(double& param) const {
     Geom c(this);
-    if (c.es == Acad::eOk) param = c.g.startParam();
+    if (c.es == Acad::eOk) param = c.startParam();
     return c.es;
 }
 
 Acad::ErrorStatus AcDbCurve::getEndParam(double& param) const {
     Geom c(this);
-    if (c.es == Acad::eOk) param = c.g.endParam();
+    if (c.es == Acad::eOk) param = c.endParam();
     return c.es;
 }
 
 Acad::ErrorStatus AcDbCurve::getStartPoint(AcGePoint3d& p) const {
     Geom c(this);
-    return c.es != Acad::eOk ? c.es : c.g.pointAtParam(c.g.startParam(), p);
+    return c.es != Acad::eOk ? c.es : c.pointAtParam(c.startParam(), p);
 }
 
 Acad::ErrorStatus AcDbCurve::getEndPoint(AcGePoint3d& p) const {
     Geom c(this);
-    return c.es != Acad::eOk ? c.es : c.g.pointAtParam(c.g.endParam(), p);
+    return c.es != Acad::eOk ? c.es : c.pointAtParam(c.endParam(), p);
 }
 
 Acad::ErrorStatus AcDbCurve::getPointAtParam(double param, AcGePoint3d& p) const {
     Geom c(this);
-    return c.es != Acad::eOk ? c.es : c.g.pointAtParam(param, p);
+    return c.es != Acad::eOk ? c.es : c.pointAtParam(param, p);
 }
 
 Acad::ErrorStatus AcDbCurve::getParamAtPoint(const AcGePoint3d& p, double& param) const {
     Geom c(this);
-    return c.es != Acad::eOk ? c.es : c.g.paramAtPoint(p, param);
+    return c.es != Acad::eOk ? c.es : c.paramAtPoint(p, param);
 }
 
 Acad::ErrorStatus AcDbCurve::getDistAtParam(double param, double& dist) const {
     Geom c(this);
-    return c.es != Acad::eOk ? c.es : c.g.distAtParam(param, dist);
+    return c.es != Acad::eOk ? c.es : c.distAtParam(param, dist);
 }
 
 Acad::ErrorStatus AcDbCurve::getParamAtDist(double dist, double& param) const {
     Geom c(this);
-    return c.es != Acad::eOk ? c.es : c.g.paramAtDist(dist, param);
+    return c.es != Acad::eOk ? c.es : c.paramAtDist(dist, param);
 }
 
 Acad::ErrorStatus AcDbCurve::getDistAtPoint(const AcGePoint3d& p, double& dist) const {
     Geom c(this);
     if (c.es != Acad::eOk) return c.es;
     double param = 0.0;
-    if (Acad::ErrorStatus es = c.g.paramAtPoint(p, param); es != Acad::eOk) return es;
-    return c.g.distAtParam(param, dist);
+    if (Acad::ErrorStatus es = c.paramAtPoint(p, param); es != Acad::eOk) return es;
+    return c.distAtParam(param, dist);
 }
 
 Acad::ErrorStatus AcDbCurve::getPointAtDist(double dist, AcGePoint3d& p) const {
     Geom c(this);
     if (c.es != Acad::eOk) return c.es;
     double param = 0.0;
-    if (Acad::ErrorStatus es = c.g.paramAtDist(dist, param); es != Acad::eOk) return es;
-    return c.g.pointAtParam(param, p);
+    if (Acad::ErrorStatus es = c.paramAtDist(dist, param); es != Acad::eOk) return es;
+    return c.pointAtParam(param, p);
 }
 
 Acad::ErrorStatus AcDbCurve::getFirstDeriv(double param, AcGeVector3d& d) const {
     Geom c(this);
-    return c.es != Acad::eOk ? c.es : c.g.firstDeriv(param, d);
+    return c.es != Acad::eOk ? c.es : c.firstDeriv(param, d);
 }
 
 Acad::ErrorStatus AcDbCurve::getFirstDeriv(const AcGePoint3d& p, AcGeVector3d& d) const {
     Geom c(this);
     if (c.es != Acad::eOk) return c.es;
     double param = 0.0;
-    if (Acad::ErrorStatus es = c.g.paramAtPoint(p, param); es != Acad::eOk) return es;
-    return c.g.firstDeriv(param, d);
+    if (Acad::ErrorStatus es = c.paramAtPoint(p, param); es != Acad::eOk) return es;
+    return c.firstDeriv(param, d);
 }
 
 Acad::ErrorStatus AcDbCurve::getSecondDeriv(double param, AcGeVector3d& d) const {
     Geom c(this);
-    return c.es != Acad::eOk ? c.es : c.g.secondDeriv(param, d);
+    return c.es != Acad::eOk ? c.es : c.secondDeriv(param, d);
 }
 
 Acad::ErrorStatus AcDbCurve::getSecondDeriv(const AcGePoint3d& p, AcGeVector3d& d) const {
     Geom c(this);
     if (c.es != Acad::eOk) return c.es;
     double param = 0.0;
-    if (Acad::ErrorStatus es = c.g.paramAtPoint(p, param); es != Acad::eOk) return es;
-    return c.g.secondDeriv(param, d);
+    if (Acad::ErrorStatus es = c.paramAtPoint(p, param); es != Acad::eOk) return es;
+    return c.secondDeriv(param, d);
 }
 
 Acad::ErrorStatus AcDbCurve::getClosestPointTo(const AcGePoint3d& given, AcGePoint3d& onCurve,
                                                bool extend) const {
     Geom c(this);
     if (c.es != Acad::eOk) return c.es;
+    if (c.isPath) {
+        c.path.closest(given, extend, onCurve);
+        return Acad::eOk;
+    }
     size_t i = 0;
     double u = 0.0;
     c.g.closest(given, extend, i, u, onCurve);
@@ -256,8 +171,13 @@ Acad::ErrorStatus AcDbCurve::getClosestPointTo(const AcGePoint3d& given,
                                                bool extend) const {
     Geom c(this);
     if (c.es != Acad::eOk) return c.es;
-    if (direction.length() <= 1e-300) return Acad::eInvalidInput;
+    if (!(direction.length() > 1e-300) || !std::isfinite(direction.length()))
+        return Acad::eInvalidInput;
     const AcGeVector3d dir = unitNormal(direction);
+    if (c.isPath) {
+        onCurve = projectedClosest(c.path, given, dir, extend);
+        return Acad::eOk;
+    }
     size_t i = 0;
     double u = 0.0;
     if (c.g.linear) {
@@ -274,9 +194,11 @@ Acad::ErrorStatus AcDbCurve::getClosestPointTo(const AcGePoint3d& given,
     }
     const double cosine = dir.dotProduct(c.g.frame.z);
     if (std::fabs(cosine) < 1e-12) return Acad::eInvalidInput; // looking along the curve's plane
-    // Where the line through the given point meets the curve's plane; in the projection along dir
-    // the curve's plane maps affinely, so only the along-normal view is exact.
-    if (std::fabs(std::fabs(cosine) - 1.0) > 1e-12) return Acad::eNotImplementedYet;
+    if (std::fabs(std::fabs(cosine) - 1.0) > 1e-12) {
+        // Seen at a slant, arcs are ellipses: the evaluated path handles that.
+        onCurve = projectedClosest(pathOf(c.g), given, dir, extend);
+        return Acad::eOk;
+    }
     c.g.closest(given, extend, i, u, onCurve);
     return Acad::eOk;
 }
@@ -290,14 +212,15 @@ Acad::ErrorStatus AcDbCurve::getSplitCurves(const AcGeDoubleArray& params,
                                             AcDbVoidPtrArray& curves) const {
     Geom c(this);
     if (c.es != Acad::eOk) return c.es;
-    const double s = c.g.startParam(), e = c.g.endParam(), span = e - s;
+    const double s = c.startParam(), e = c.endParam(), span = e - s;
+    const bool closed = c.closed();
     const double eps = 1e-10 * std::max(1.0, std::fabs(s) + std::fabs(e));
     std::vector<double> cuts;
     for (double p : params) {
         if (!std::isfinite(p) || p < s - eps || p > e + eps) return Acad::eInvalidInput;
         p = std::clamp(p, s, e);
-        if (c.g.closed && p >= e - eps) p = s;
-        if (!c.g.closed && (p <= s + eps || p >= e - eps)) continue;
+        if (closed && p >= e - eps) p = s;
+        if (!closed && (p <= s + eps || p >= e - eps)) continue;
         cuts.push_back(p);
     }
     std::sort(cuts.begin(), cuts.end());
@@ -306,7 +229,7 @@ Acad::ErrorStatus AcDbCurve::getSplitCurves(const AcGeDoubleArray& params,
         cuts.end());
 
     std::vector<std::pair<double, double>> spans;
-    if (c.g.closed) {
+    if (closed) {
         if (cuts.empty()) return Acad::eInvalidInput;
         for (size_t k = 0; k + 1 < cuts.size(); ++k)
             spans.emplace_back(cuts[k], cuts[k + 1]);
@@ -340,7 +263,7 @@ Acad::ErrorStatus AcDbCurve::getSplitCurves(const AcGePoint3dArray& points,
     AcGeDoubleArray params;
     for (const auto& p : points) {
         double param = 0.0;
-        if (Acad::ErrorStatus es = c.g.paramAtPoint(p, param); es != Acad::eOk) return es;
+        if (Acad::ErrorStatus es = c.paramAtPoint(p, param); es != Acad::eOk) return es;
         params.append(param);
     }
     return getSplitCurves(params, curves);
@@ -351,11 +274,48 @@ Acad::ErrorStatus AcDbCurve::extend(double) {
     return Acad::eNotApplicable;
 }
 
+namespace {
+
+// The parameter past an end of an evaluated path at which it reaches toPoint.
+Acad::ErrorStatus pathExtendParam(const PathGeom& g, bool extendStart, const AcGePoint3d& toPoint,
+                                  double& param) {
+    if (g.closed) return Acad::eNotApplicable;
+    const double tol = g.tolerance(1e-6);
+    AcGeVector3d d;
+    for (const auto& e : g.ext) {
+        if (e.ray) {
+            if (e.atStart != extendStart) continue;
+            const double s = (toPoint - e.origin).dotProduct(e.dir);
+            if (s < 0.0 || (e.origin + e.dir * s).distanceTo(toPoint) > tol) continue;
+            g.ev->eval(extendStart ? g.t0 : g.t1, &d);
+            if (!(d.length() > 0.0)) continue;
+            param = extendStart ? g.t0 - s / d.length() : g.t1 + s / d.length();
+            return Acad::eOk;
+        }
+        if (!(e.b > e.a)) continue;
+        const geimpl::SampledCurve s(*e.ev, e.a, e.b);
+        const double t = s.closestParam(toPoint);
+        if (e.ev->eval(t).distanceTo(toPoint) > tol) continue;
+        // The rest of a closed carrier runs from the end round to the start a period on.
+        param = extendStart ? t - (e.b - g.t0) : t;
+        return Acad::eOk;
+    }
+    return Acad::eInvalidInput;
+}
+
+} // namespace
+
 Acad::ErrorStatus AcDbCurve::extend(bool extendStart, const AcGePoint3d& toPoint) {
     double param = 0.0;
     {
         Geom c(this);
         if (c.es != Acad::eOk) return c.es;
+        if (c.isPath) {
+            if (Acad::ErrorStatus es = pathExtendParam(c.path, extendStart, toPoint, param);
+                es != Acad::eOk)
+                return es;
+            return extend(param);
+        }
         if (c.g.closed) return Acad::eNotApplicable;
         const size_t i = extendStart ? 0 : c.g.pieces.size() - 1;
         const Piece& pc = c.g.pieces[i];
@@ -383,34 +343,18 @@ Acad::ErrorStatus AcDbCurve::reverseCurve() {
 
 // ---------------------------------------------------------------- extents and intersections
 
-namespace {
-
-double thicknessOf(const AcDbCurve* c) {
-    if (const AcDbLine* l = AcDbLine::cast(c)) return l->thickness();
-    if (const AcDbArc* a = AcDbArc::cast(c)) return a->thickness();
-    if (const AcDbCircle* ci = AcDbCircle::cast(c)) return ci->thickness();
-    if (const AcDbPolyline* p = AcDbPolyline::cast(c)) return p->thickness();
-    return 0.0;
-}
-
-AcGeVector3d normalOf(const AcDbCurve* c) {
-    if (const AcDbLine* l = AcDbLine::cast(c)) return l->normal();
-    if (const AcDbArc* a = AcDbArc::cast(c)) return a->normal();
-    if (const AcDbCircle* ci = AcDbCircle::cast(c)) return ci->normal();
-    if (const AcDbPolyline* p = AcDbPolyline::cast(c)) return p->normal();
-    return {0, 0, 1};
-}
-
-} // namespace
-
 Acad::ErrorStatus AcDbCurve::subGetGeomExtents(AcDbExtents& extents) const {
     Geom c(this);
     if (c.es != Acad::eOk) return Acad::eInvalidExtents;
+    extents = AcDbExtents();
+    if (c.isPath) {
+        c.path.addExtents(extents);
+        return Acad::eOk;
+    }
     AcGePoint3dArray pts;
     c.g.addExtents(pts);
     const double t = thicknessOf(this);
     const AcGeVector3d up = unitNormal(normalOf(this)) * t;
-    extents = AcDbExtents();
     for (const auto& p : pts) {
         extents.addPoint(p);
         if (t != 0.0) extents.addPoint(p + up);
@@ -426,11 +370,16 @@ Acad::ErrorStatus AcDbCurve::subIntersectWith(const AcDbEntity* ent, AcDb::Inter
     Geom a(this);
     if (a.es != Acad::eOk) return a.es;
     other->assertReadEnabled();
-    CurveGeom b;
-    if (!curveGeom(other, b)) return Acad::eNotImplementedYet;
     const bool extThis = intType == AcDb::kExtendThis || intType == AcDb::kExtendBoth;
     const bool extArg = intType == AcDb::kExtendArg || intType == AcDb::kExtendBoth;
-    intersect(a.g, extThis, b, extArg, points);
+    CurveGeom b;
+    if (!a.isPath && curveGeom(other, b)) {
+        intersect(a.g, extThis, b, extArg, points);
+        return Acad::eOk;
+    }
+    PathGeom pb;
+    if (Acad::ErrorStatus es = anyPath(other, pb); es != Acad::eOk) return es;
+    intersectPaths(a.isPath ? a.path : pathOf(a.g), extThis, pb, extArg, points);
     return Acad::eOk;
 }
 
@@ -442,10 +391,19 @@ Acad::ErrorStatus AcDbCurve::subIntersectWith(const AcDbEntity* ent, AcDb::Inter
     Geom a(this);
     if (a.es != Acad::eOk) return a.es;
     other->assertReadEnabled();
-    CurveGeom b;
-    if (!curveGeom(other, b)) return Acad::eNotImplementedYet;
     const bool extThis = intType == AcDb::kExtendThis || intType == AcDb::kExtendBoth;
     const bool extArg = intType == AcDb::kExtendArg || intType == AcDb::kExtendBoth;
-    return intersectProjected(a.g, extThis, b, extArg, projPlane.pointOnPlane(), projPlane.normal(),
-                              points);
+    CurveGeom b;
+    if (!a.isPath && curveGeom(other, b)) {
+        const Acad::ErrorStatus es = intersectProjected(
+            a.g, extThis, b, extArg, projPlane.pointOnPlane(), projPlane.normal(), points);
+        if (es != Acad::eNotApplicable) return es;
+        // Arcs seen at a slant are ellipses: the evaluated paths handle that.
+        return intersectPathsProjected(pathOf(a.g), extThis, pathOf(b), extArg,
+                                       projPlane.pointOnPlane(), projPlane.normal(), points);
+    }
+    PathGeom pb;
+    if (Acad::ErrorStatus es = anyPath(other, pb); es != Acad::eOk) return es;
+    return intersectPathsProjected(a.isPath ? a.path : pathOf(a.g), extThis, pb, extArg,
+                                   projPlane.pointOnPlane(), projPlane.normal(), points);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "db/ents/curvegeom.h"
+#include "db/ents/pathgeom.h"
 #include "dbents.h"
 
 struct AcDbLineImpl {
@@ -26,7 +27,44 @@ struct AcDbPolylineImpl {
     static AcDbCurve* sub(const AcDbPolyline& e, double from, double to);
 };
 
+struct AcDb2dPolylineImpl {
+    // The run through the vertices that are not spline control vertices.
+    static void geom(const AcDb2dPolyline& e, ents_detail::CurveGeom& g);
+    static AcDbCurve* sub(const AcDb2dPolyline& e, double from, double to);
+    // The same vertices (only those of the curve, or all) as a lightweight polyline with the
+    // same plane, widths and properties, owned by the caller.
+    static AcDbPolyline* toLw(const AcDb2dPolyline& e, bool curveOnly);
+    // A simple 2D polyline of a lightweight one's vertices, with like's properties.
+    static AcDb2dPolyline* fromLw(const AcDbPolyline& lw, const AcDbEntity& like);
+};
+
+struct AcDb3dPolylineImpl {
+    static bool path(const AcDb3dPolyline& e, ents_detail::PathGeom& g);
+    // Everything the path depends on, to tell when a remembered one still holds.
+    static void key(const AcDb3dPolyline& e, std::vector<double>& k);
+    static AcDbCurve* sub(const AcDb3dPolyline& e, double from, double to);
+};
+
+struct AcDbEllipseImpl {
+    static bool path(const AcDbEllipse& e, ents_detail::PathGeom& g);
+    static void key(const AcDbEllipse& e, std::vector<double>& k);
+    // An elliptical arc between two parameters (to may pass a full turn past from's).
+    static AcDbCurve* sub(const AcDbEllipse& e, double from, double to);
+};
+
+struct AcDbSplineImpl {
+    static bool path(const AcDbSpline& e, ents_detail::PathGeom& g);
+    static void key(const AcDbSpline& e, std::vector<double>& k);
+    // On a closed spline, to may pass the end and wrap.
+    static AcDbCurve* sub(const AcDbSpline& e, double from, double to);
+    static const geimpl::Nurbs* nurbs(const AcDbSpline& e);
+};
+
 namespace ents_detail {
+
+// Thickness and normal of the curves that have them; 0 and the z axis otherwise.
+double thicknessOf(const AcDbCurve* c);
+AcGeVector3d normalOf(const AcDbCurve* c);
 
 // A new curve between two parameters of c with c's properties; null for other classes.
 AcDbCurve* subCurve(const AcDbCurve* c, double from, double to);
