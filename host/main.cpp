@@ -5,7 +5,9 @@
 #include "dbsymtb.h"
 #include "host/demo.h"
 #include "host/drawings.h"
+#include "host/dxfcommands.h"
 #include "host/regcommand.h"
+#include "host/render.h"
 #include "winstr.h"
 
 #include <CLI/CLI.hpp>
@@ -202,7 +204,9 @@ int main(int argc, char** argv) {
 
     QorAction action;
     addDemoCommand(app, action);
+    addRenderCommand(app, action);
     addRegCommand(app, action);
+    addDxfCommands(app, action);
 
     CLI11_PARSE(app, argc, argv);
 
