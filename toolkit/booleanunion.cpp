@@ -4,7 +4,7 @@
 
 #include "dbents.h"
 #include "dbmain.h"
-#include "toolkit/geometryarcs.h"
+#include "toolkit/curves.h"
 
 #include <vector>
 
@@ -32,7 +32,7 @@ int M_PolygonUnion(AcArray<AcDbObjectId> ids, AcArray<AcGePoint2d>& pts, AcArray
         if (acdbOpenObject(pl, id, AcDb::kForRead) != Acad::eOk || !pl) continue;
         open.items.push_back(pl);
         AcArray<AcGePoint2d> outline;
-        if (!qor::geometry::expandPlineArcs(pl, 1.0, outline)) continue;
+        if (!M_GetArcPlineVertex(pl, 1.0, outline)) continue;
         loops.append(points.length());
         points.append(outline);
         loops.append(points.length());

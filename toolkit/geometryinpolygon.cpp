@@ -1,7 +1,7 @@
 // Point-in-polygon tests: the angle sum, the crossing count, and the polyline form.
 #include "dbents.h"
+#include "toolkit/curves.h"
 #include "toolkit/geometry.h"
-#include "toolkit/geometryarcs.h"
 
 #include <algorithm>
 #include <cmath>
@@ -61,6 +61,6 @@ int M_IsPointInside(AcGePoint2d p, AcArray<AcGePoint2d> pts) {
 
 int M_IsInPline(AcGePoint3d p, AcDbPolyline* pl) {
     AcArray<AcGePoint2d> pts;
-    if (!qor::geometry::expandPlineArcs(pl, 1.0, pts)) return 0;
+    if (!M_GetArcPlineVertex(pl, 1.0, pts)) return 0;
     return M_PtInPolygon(p.convert2d(), pts) >= 0 ? 1 : 0;
 }

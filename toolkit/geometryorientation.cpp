@@ -1,6 +1,7 @@
 // Orientation, clip-boundary validity and area of outlines.
 #include "dbents.h"
 #include "gi.h"
+#include "toolkit/curves.h"
 #include "toolkit/geometry.h"
 #include "toolkit/geometryarcs.h"
 
@@ -64,7 +65,7 @@ int M_CheckBorder(AcArray<AcGePoint2d> pts, AcArray<double> bulges) {
     // Left open: the expanded list is judged as closing on itself.
     const auto pl = qor::geometry::bulgedPline(pts, bulges);
     AcArray<AcGePoint2d> out;
-    if (!qor::geometry::expandPlineArcs(pl.get(), 1.0, out)) return 0;
+    if (!M_GetArcPlineVertex(pl.get(), 1.0, out)) return 0;
     return out.length() > 2 && acgiIsValidClipBoundary(out) ? 1 : 0;
 }
 
