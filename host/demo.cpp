@@ -2,6 +2,8 @@
 
 #include "aced.h"
 #include "cmdline.h"
+#include "dbdxf.h"
+#include "girender.h"
 #include "rx.h"
 #include "winstr.h"
 
@@ -41,6 +43,45 @@ private:
     bool mLoaded = false;
 };
 
+// The site and a margin around it: the pictures frame the same ground every time.
+AcGiRenderOptions pictureOptions(AcGiRenderFormat format) {
+    AcGiRenderOptions options;
+    options.format = format;
+    options.hasWindow = true;
+    options.windowMin.set(kQorDemoWindow[0], kQorDemoWindow[1]);
+    options.windowMax.set(kQorDemoWindow[2], kQorDemoWindow[3]);
+    if (format == AcGiRenderFormat::kPdf)
+        acgiPaperSize(L"a3,landscape", options.paperWidthMm, options.paperHeightMm);
+    return options;
+}
+
+// The pictures and the exchange files of the saved site, as a user would make them.
+int exportSite(const std::string& site, const fs::path& outDir) {
+    std::wstring error;
+    auto db = openDrawing(site, error);
+    if (!db) return fail(error);
+    WorkingDatabase working(db.get());
+    for (const auto& [name, format] : {std::pair{"site.png", AcGiRenderFormat::kPng},
+                                       std::pair{"site.pdf", AcGiRenderFormat::kPdf}}) {
+        const std::wstring path = qorFromUtf8((outDir / name).string());
+        if (!acgiRenderModelSpace(db.get(), pictureOptions(format), path.c_str(), error))
+            return fail(error);
+        acutPrintf(L"Drew %s\n", path.c_str());
+    }
+    for (const bool explode : {false, true}) {
+        const std::wstring path =
+            qorFromUtf8((outDir / (explode ? "site-exploded.dxf" : "site.dxf")).string());
+        QorDxfOptions options;
+        options.explode = explode;
+        QorDxfReport report;
+        if (qorWriteDxf(db.get(), path.c_str(), options, &report) != Acad::eOk)
+            return fail(path + L": " + report.error);
+        acutPrintf(L"Wrote %s: %d entities%s\n", path.c_str(), static_cast<int>(report.entities),
+                   explode ? L", the module's objects exploded" : L"");
+    }
+    return 0;
+}
+
 int runDemo(const std::string& outDir) {
     std::error_code ec;
     fs::create_directories(outDir, ec);
@@ -60,14 +101,15 @@ int runDemo(const std::string& outDir) {
         if (db.saveAs(qorFromUtf8(site).c_str()) != Acad::eOk) return fail(db.lastError());
     }
     acutPrintf(L"Saved %s; reopened, it lists as:\n", qorFromUtf8(site).c_str());
-    return listDrawing(site);
+    if (const int status = listDrawing(site)) return status;
+    return exportSite(site, outDir);
 }
 
 } // namespace
 
 void addDemoCommand(CLI::App& app, QorAction& action) {
-    auto* demo =
-        app.add_subcommand("demo", "build the demonstration site, save, reopen and list it");
+    auto* demo = app.add_subcommand(
+        "demo", "build the demonstration site, save, reopen, list, draw and export it");
     auto outDir = std::make_shared<std::string>();
     demo->add_option("outdir", *outDir, "folder for the drawing and its pictures")->required();
     demo->callback([&action, outDir] { action = [outDir] { return runDemo(*outDir); }; });

@@ -30,6 +30,8 @@ struct Meter {
     // The test stream, drawn to at once; null means standard error when it is a terminal.
     std::FILE* forced = nullptr;
     int forcedColumns = 80;
+    // Whether standard error is a terminal, asked once per run: steps come by the thousand.
+    bool terminal = false;
 };
 
 Meter& meter() {
@@ -88,7 +90,7 @@ std::FILE* target(const Meter& m, int& columns) {
         columns = m.forcedColumns;
         return m.forced;
     }
-    if (!isatty(STDERR_FILENO)) return nullptr;
+    if (!m.terminal) return nullptr;
     columns = terminalColumns();
     return stderr;
 }
@@ -112,6 +114,7 @@ int acedSetStatusBarProgressMeter(const ACHAR* label, int minPos, int maxPos) {
     Meter& m = meter();
     std::lock_guard lock(m.mutex);
     if (maxPos < minPos) return -1;
+    m.terminal = isatty(STDERR_FILENO);
     int columns = 80;
     if (std::FILE* out = target(m, columns)) erase(m, out);
     m.running = true;

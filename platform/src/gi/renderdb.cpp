@@ -1,6 +1,6 @@
 // Rendering a whole drawing: the extents of model space, then every entity through its own
 // worldDraw, with the progress meter running.
-#include "acedprogress.h"
+#include "ed/meterscope.h"
 #include "dbsymtb.h"
 #include "girecorder.h"
 #include "girender.h"
@@ -30,20 +30,6 @@ private:
     AcDbEntity* mEntity = nullptr;
 };
 
-class ProgressMeter {
-public:
-    ProgressMeter(const ACHAR* label, int count) {
-        acedSetStatusBarProgressMeter(label, 0, std::max(count, 0));
-    }
-    ~ProgressMeter() { acedRestoreStatusBar(); }
-    ProgressMeter(const ProgressMeter&) = delete;
-    ProgressMeter& operator=(const ProgressMeter&) = delete;
-    void step() { acedSetStatusBarProgressMeterPos(++mPos); }
-
-private:
-    int mPos = 0;
-};
-
 std::vector<AcDbObjectId> modelSpace(AcDbDatabase* db) {
     AcDbBlockTableRecord* ms = nullptr;
     if (acdbOpenObject(ms, db->modelSpaceId(), AcDb::kForRead) != Acad::eOk) return {};
@@ -68,8 +54,7 @@ bool acgiRenderModelSpace(AcDbDatabase* db, const AcGiRenderOptions& options, co
         return false;
     }
     const std::vector<AcDbObjectId> ids = modelSpace(db);
-    const int count = static_cast<int>(std::min<size_t>(ids.size(), 0x3FFFFFFF));
-    ProgressMeter meter(L"Rendering", options.hasWindow ? count : 2 * count);
+    qor::MeterScope meter(L"Rendering", options.hasWindow ? ids.size() : 2 * ids.size());
 
     // The extents of what is shown (visible entities on layers that are on and thawed): their
     // own, and those of what they draw, which may reach further.

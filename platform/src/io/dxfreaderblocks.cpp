@@ -2,6 +2,8 @@
 // entity (a polyline's vertices, an insert's attributes), and the properties all share.
 #include "io/dxfreader.h"
 
+#include "ed/meterscope.h"
+
 #include "dbhatch.h"
 #include "dbspline.h"
 #include "dbsymtb.h"
@@ -103,8 +105,12 @@ void Reader::entities(const Section& s) {
     if (acdbOpenObject(model, mModelSpace, AcDb::kForWrite) != Acad::eOk)
         fail(0, L"the model space cannot be opened");
     acdbOpenObject(paper, mPaperSpace, AcDb::kForWrite);
-    for (size_t i = 0; i < s.records.size();)
-        i = entity(s.records, i, s.records.size(), model, paper);
+    qor::MeterScope meter(L"Reading DXF", s.records.size());
+    for (size_t i = 0; i < s.records.size();) {
+        const size_t next = entity(s.records, i, s.records.size(), model, paper);
+        for (; i < next; ++i)
+            meter.step();
+    }
     model->close();
     if (paper) paper->close();
 }

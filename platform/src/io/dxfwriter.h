@@ -5,6 +5,7 @@
 
 #include "dbdxf.h"
 #include "dbmain.h"
+#include "ed/meterscope.h"
 #include "io/dxfoutfiler.h"
 
 #include <cstdint>
@@ -85,7 +86,7 @@ private:
     void blocks(OutFiler& f);
     void entities(OutFiler& f);
     void blockEntities(OutFiler& f, AcDbObjectId btr, std::uint64_t owner, bool paper,
-                       bool extents);
+                       bool extents, qor::MeterScope* meter = nullptr);
     void entity(OutFiler& f, const AcDbEntity* ent, std::uint64_t handle, std::uint64_t owner,
                 bool paper, int depth);
     void exploded(OutFiler& f, const AcDbEntity* ent, std::uint64_t owner, bool paper, int depth);

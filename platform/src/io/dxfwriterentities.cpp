@@ -82,12 +82,19 @@ void Writer::blocks(OutFiler& f) {
 }
 
 void Writer::entities(OutFiler& f) {
-    blockEntities(f, mModelSpace, handleOf(mModelSpace), false, true);
-    if (!mPaperSpace.isNull()) blockEntities(f, mPaperSpace, handleOf(mPaperSpace), true, false);
+    size_t count = 0;
+    for (AcDbObjectId space : {mModelSpace, mPaperSpace}) {
+        ReadOpen<AcDbBlockTableRecord> btr(space);
+        if (btr) count += btr->entityIds().size();
+    }
+    qor::MeterScope meter(L"Writing DXF", count);
+    blockEntities(f, mModelSpace, handleOf(mModelSpace), false, true, &meter);
+    if (!mPaperSpace.isNull())
+        blockEntities(f, mPaperSpace, handleOf(mPaperSpace), true, false, &meter);
 }
 
 void Writer::blockEntities(OutFiler& f, AcDbObjectId btrId, std::uint64_t owner, bool paper,
-                           bool extents) {
+                           bool extents, qor::MeterScope* meter) {
     std::vector<AcDbObjectId> ids;
     {
         ReadOpen<AcDbBlockTableRecord> btr(btrId);
@@ -95,6 +102,7 @@ void Writer::blockEntities(OutFiler& f, AcDbObjectId btrId, std::uint64_t owner,
         ids = btr->entityIds();
     }
     for (AcDbObjectId id : ids) {
+        if (meter) meter->step();
         ReadOpen<AcDbEntity> ent(id);
         if (!ent) continue; // erased
         if (extents && ent->visibility() == AcDb::kVisible) {
