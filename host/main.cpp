@@ -151,6 +151,8 @@ int runScript(const RunOptions& options) {
     }
     WorkingDatabase working(db.get());
     PromptInput input(in);
+    // Ctrl+C stops a command's long loop (its user-break test) rather than the whole session.
+    qorInstallBreakHandler();
     // A person typing sees the answer already.
     if (in == &std::cin && isatty(STDIN_FILENO)) qorSetPromptEcho(false);
 

@@ -5,6 +5,7 @@
 #include "toolkit/tinengine.h"
 #include "toolkit/tinwalk.h"
 
+#include "aced.h"
 #include "acedprogress.h"
 
 #include <cmath>
@@ -13,15 +14,14 @@ namespace qor::tin {
 
 namespace {
 
-// The host's status-bar meter. The platform has no user-break test yet, so until it has one a
-// metered run cannot be stopped from the keyboard.
+// The host's status-bar meter and its user-break test.
 class StatusBarMeter : public Progress {
 public:
     void start(const ACHAR* title, int count) override {
         acedSetStatusBarProgressMeter(title, 0, count);
     }
     void advance(int done) override { acedSetStatusBarProgressMeterPos(done); }
-    bool userBreak() override { return false; }
+    bool userBreak() override { return acedUsrBrk() != 0; }
     void finish() override { acedRestoreStatusBar(); }
 };
 

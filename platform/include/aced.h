@@ -169,6 +169,21 @@ bool qorReadInputLine(std::wstring& line);
 // How many lines have been read from the input source.
 int qorInputLineNumber();
 
+// ---------------------------------------------------------------- user break
+
+// 1 when the user asked to stop since the last test, else 0. The request is cleared by the
+// answer, so a request stops one loop only.
+int acedUsrBrk();
+// Asks for a break as the user would (for tests and for hosts with their own break key).
+// Safe to call from a signal handler.
+void qorRequestUserBreak();
+// Makes SIGINT (Ctrl+C) a break request instead of the end of the process, for a host that
+// runs commands; a second SIGINT while the first is still unanswered ends the process. False
+// when the handler could not be installed.
+bool qorInstallBreakHandler();
+// Puts back what SIGINT did before qorInstallBreakHandler; nothing when it was not installed.
+void qorRemoveBreakHandler();
+
 namespace qor::detail {
 // Brackets one command's prompts (qorRunCommand does it): inside, a cancel is final and every
 // later prompt of the command answers RTCAN without reading. begin returns the enclosing

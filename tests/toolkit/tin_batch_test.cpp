@@ -4,6 +4,7 @@
 #include "toolkit/tin.h"
 #include "toolkit/tinbatch.h"
 
+#include "aced.h"
 #include "acedprogress.h"
 
 #include <gtest/gtest.h>
@@ -270,6 +271,44 @@ TEST(TinStatusBar, DrawsTheTitleAbove5000Points) {
     ASSERT_GE(shown.size(), end.size());
     EXPECT_EQ(shown.substr(shown.size() - end.size()), end);
     EXPECT_EQ(statusBarOutput(4000), "");
+}
+
+// The status bar's break test is the host's: a request made before the run stops it at the
+// first test, after the first advance.
+TEST(TinStatusBar, UserBreakStopsAtTheFirstTest) {
+    ASSERT_NE(qor::tin::batchProgress(), nullptr);
+    acedUsrBrk(); // nothing left over
+    std::FILE* out = std::tmpfile();
+    qorSetProgressOutput(out, 80);
+    Pts pts = planePoints(100, 5);
+    Pts query;
+    for (int i = 0; i < 6000; ++i)
+        query.append(AcGePoint3d(i % 100, 50, 777));
+    qorRequestUserBreak();
+    EXPECT_EQ(M_CalHgtByPt(pts, query), 1);
+    qorSetProgressOutput(nullptr);
+    std::fclose(out);
+    // The first test comes at point 30 of 6,000.
+    for (int i = 0; i < 30; ++i)
+        EXPECT_NE(query[i].z, 777) << i;
+    for (int i = 30; i < query.length(); ++i)
+        ASSERT_EQ(query[i].z, 777) << i;
+    // The run took the request.
+    EXPECT_EQ(acedUsrBrk(), 0);
+}
+
+TEST(TinStatusBar, UnmeteredRunsLeaveABreakRequestPending) {
+    acedUsrBrk();
+    Pts pts = planePoints(100, 5);
+    Pts query;
+    for (int i = 0; i < 4000; ++i)
+        query.append(AcGePoint3d(i % 100, 50, 777));
+    qorRequestUserBreak();
+    EXPECT_EQ(M_CalHgtByPt(pts, query), 1);
+    EXPECT_NE(query.last().z, 777);
+    Pts many = query;
+    EXPECT_EQ(M_CalHgtByPtNoBar(pts, many), 1);
+    EXPECT_EQ(acedUsrBrk(), 1);
 }
 
 } // namespace
