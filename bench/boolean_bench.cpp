@@ -96,7 +96,7 @@ bool sameArea(const Operands& o, int op, std::string& why) {
     return false;
 }
 
-void BM_BooleanOper(benchmark::State& state) {
+void BM_Ours_Boolean(benchmark::State& state) {
     const int op = static_cast<int>(state.range(0));
     const Operands o = operands(static_cast<int>(state.range(1)), static_cast<int>(state.range(2)));
     std::string why;
@@ -112,7 +112,7 @@ void BM_BooleanOper(benchmark::State& state) {
     state.SetLabel(std::string(kKinds[state.range(2)]) + " " + kOpNames[op]);
 }
 
-void BM_ClipperBoolean(benchmark::State& state) {
+void BM_Clipper_Boolean(benchmark::State& state) {
     const int op = static_cast<int>(state.range(0));
     const Operands o = operands(static_cast<int>(state.range(1)), static_cast<int>(state.range(2)));
     for (auto _ : state) {
@@ -123,10 +123,10 @@ void BM_ClipperBoolean(benchmark::State& state) {
 }
 
 // Arguments: operation, vertices per polygon, kind of outline.
-BENCHMARK(BM_BooleanOper)
+BENCHMARK(BM_Ours_Boolean)
     ->ArgsProduct({{0, 1, 2}, {100, 1000, 10000}, {0, 1}})
     ->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_ClipperBoolean)
+BENCHMARK(BM_Clipper_Boolean)
     ->ArgsProduct({{0, 1, 2}, {100, 1000, 10000}, {0, 1}})
     ->Unit(benchmark::kMicrosecond);
 

@@ -51,7 +51,7 @@ void fill(AcDbDatabase& db, int count) {
     ms->close();
 }
 
-void BM_WriteDxf(benchmark::State& state) {
+void BM_Ours_DxfWrite(benchmark::State& state) {
     AcDbDatabase db;
     fill(db, static_cast<int>(state.range(0)));
     std::string text;
@@ -63,7 +63,7 @@ void BM_WriteDxf(benchmark::State& state) {
     state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(text.size()));
 }
 
-void BM_ReadDxf(benchmark::State& state) {
+void BM_Ours_DxfRead(benchmark::State& state) {
     std::string text;
     {
         AcDbDatabase db;
@@ -82,7 +82,7 @@ void BM_ReadDxf(benchmark::State& state) {
 }
 
 // The same drawing through the drawing store, for the ratio.
-void BM_SaveStore(benchmark::State& state) {
+void BM_Store_DxfWrite(benchmark::State& state) {
     TempDir dir;
     AcDbDatabase db;
     fill(db, static_cast<int>(state.range(0)));
@@ -92,7 +92,7 @@ void BM_SaveStore(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
-void BM_ReopenStore(benchmark::State& state) {
+void BM_Store_DxfRead(benchmark::State& state) {
     TempDir dir;
     const std::wstring file = dir.file("same.qdb");
     {
@@ -107,10 +107,10 @@ void BM_ReopenStore(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
-BENCHMARK(BM_WriteDxf)->Arg(kEntities)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_ReadDxf)->Arg(kEntities)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_SaveStore)->Arg(kEntities)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_ReopenStore)->Arg(kEntities)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Ours_DxfWrite)->Arg(kEntities)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Ours_DxfRead)->Arg(kEntities)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Store_DxfWrite)->Arg(kEntities)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Store_DxfRead)->Arg(kEntities)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

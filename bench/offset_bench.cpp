@@ -22,7 +22,7 @@ std::unique_ptr<AcDbPolyline> wave() {
     return pl;
 }
 
-void BM_PolylineOffset(benchmark::State& state) {
+void BM_Ours_Offset(benchmark::State& state) {
     const auto pl = wave();
     for (auto _ : state) {
         for (double d : kDistances) {
@@ -38,7 +38,7 @@ void BM_PolylineOffset(benchmark::State& state) {
 
 // The same path with each arc split into eight chords, in micro-units, offset as an open
 // path with mitred joins: a peer doing the comparable job on straight edges only.
-void BM_ClipperOpenPathOffset(benchmark::State& state) {
+void BM_Clipper_Offset(benchmark::State& state) {
     const auto pl = wave();
     ClipperLib::Path path;
     constexpr double kScale = 1e6;
@@ -63,8 +63,8 @@ void BM_ClipperOpenPathOffset(benchmark::State& state) {
     state.SetLabel("items = offsets");
 }
 
-BENCHMARK(BM_PolylineOffset)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_ClipperOpenPathOffset)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Ours_Offset)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Clipper_Offset)->Unit(benchmark::kMicrosecond);
 
 } // namespace
 

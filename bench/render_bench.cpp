@@ -100,7 +100,7 @@ AcDbDatabase& drawing() {
     return *db;
 }
 
-void BM_RenderModelSpaceToPng(benchmark::State& state) {
+void BM_Ours_RenderPng(benchmark::State& state) {
     TempDir dir;
     const std::wstring file = dir.file("scene.png");
     AcGiRenderOptions options;
@@ -116,7 +116,7 @@ void BM_RenderModelSpaceToPng(benchmark::State& state) {
 }
 
 // The peer: the same geometry, colours and view, painted with cairo directly.
-void BM_CairoDirectToPng(benchmark::State& state) {
+void BM_Cairo_RenderPng(benchmark::State& state) {
     const Scene& s = scene();
     TempDir dir;
     const std::string file = dir.path() / "direct.png";
@@ -196,8 +196,8 @@ void BM_CairoDirectToPng(benchmark::State& state) {
     state.SetLabel("items = entities");
 }
 
-BENCHMARK(BM_RenderModelSpaceToPng)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(BM_CairoDirectToPng)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_Ours_RenderPng)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_Cairo_RenderPng)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 } // namespace
 

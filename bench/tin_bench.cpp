@@ -51,7 +51,7 @@ std::vector<std::pair<K::Point_2, int>> cgalInput(const AcArray<AcGePoint3d>& pt
     return in;
 }
 
-void BM_TinTriangulate(benchmark::State& state) {
+void BM_Ours_Triangulate(benchmark::State& state) {
     const auto pts = points(static_cast<int>(state.range(0)), Layout(state.range(1)));
     int triangles = 0;
     for (auto _ : state) {
@@ -64,7 +64,7 @@ void BM_TinTriangulate(benchmark::State& state) {
     state.counters["triangles"] = triangles;
 }
 
-void BM_CgalTriangulate(benchmark::State& state) {
+void BM_Cgal_Triangulate(benchmark::State& state) {
     const auto pts = points(static_cast<int>(state.range(0)), Layout(state.range(1)));
     const auto in = cgalInput(pts);
     int triangles = 0;
@@ -102,7 +102,7 @@ AcArray<AcGePoint3d> queries() {
     return points(kQueries, kRandom, 2);
 }
 
-void BM_TinHeights(benchmark::State& state) {
+void BM_Ours_Heights(benchmark::State& state) {
     const auto network = points(kNetwork, kRandom);
     const auto query = queries();
     for (auto _ : state) {
@@ -115,7 +115,7 @@ void BM_TinHeights(benchmark::State& state) {
 
 // The peer builds its network, then locates each point from the face of the one before and
 // interpolates on the face's plane.
-void BM_CgalHeights(benchmark::State& state) {
+void BM_Cgal_Heights(benchmark::State& state) {
     const auto network = points(kNetwork, kRandom);
     const auto in = cgalInput(network);
     const auto query = queries();
@@ -143,11 +143,11 @@ void BM_CgalHeights(benchmark::State& state) {
 
 } // namespace
 
-BENCHMARK(BM_TinTriangulate)->Apply(triangulationSizes)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_CgalTriangulate)->Apply(triangulationSizes)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_TinTriangulate)->Apply(millionPoints)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_CgalTriangulate)->Apply(millionPoints)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_TinHeights)->Iterations(1)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_CgalHeights)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Ours_Triangulate)->Apply(triangulationSizes)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Cgal_Triangulate)->Apply(triangulationSizes)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Ours_Triangulate)->Apply(millionPoints)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Cgal_Triangulate)->Apply(millionPoints)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Ours_Heights)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Cgal_Heights)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 BENCHMARK_MAIN();
