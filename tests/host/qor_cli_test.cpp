@@ -2,42 +2,20 @@
 #include "dbents.h"
 #include "dbmain.h"
 #include "dbsymtb.h"
+#include "support/qorrun.h"
 #include "support/sqlfile.h"
 #include "support/tempdir.h"
 #include "winstr.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <fstream>
 #include <string>
-#include <sys/wait.h>
 
 namespace {
 
-struct CliRun {
-    int status = -1;
-    std::string out;
-};
-
-// Runs qor with the arguments; standard error is folded into the output.
-CliRun qor(const std::string& args) {
-    CliRun r;
-    const std::string cmd = std::string("QOR_MODULE='") + QOR_MODULE_PATH + "' '" + QOR_BIN_DIR +
-                            "/qor' " + args + " 2>&1";
-    FILE* p = popen(cmd.c_str(), "r");
-    if (!p) return r;
-    char buf[4096];
-    size_t n;
-    while ((n = fread(buf, 1, sizeof buf, p)) > 0)
-        r.out.append(buf, n);
-    int status = pclose(p);
-    r.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return r;
-}
-
 TEST(QorCli, ClassesListsTheModuleClasses) {
-    CliRun r = qor("classes");
+    Outcome r = runQor("classes");
     EXPECT_EQ(r.status, 0) << r.out;
     EXPECT_NE(r.out.find("classes"), std::string::npos);
     EXPECT_EQ(r.out.find("AcDbPolyline"), std::string::npos)
@@ -60,25 +38,25 @@ TEST(QorCli, ListPrintsEveryEntity) {
         ms->close();
         ASSERT_EQ(db.saveAs(file.c_str()), Acad::eOk);
     }
-    CliRun r = qor("list '" + qorToUtf8(file) + "'");
+    Outcome r = runQor("list '" + qorToUtf8(file) + "'");
     EXPECT_EQ(r.status, 0) << r.out;
     EXPECT_NE(r.out.find("AcDbLine"), std::string::npos) << r.out;
     EXPECT_NE(r.out.find("规划道路"), std::string::npos) << r.out;
     EXPECT_NE(r.out.find("2 entities"), std::string::npos) << r.out;
-    CliRun bare = qor("--no-module list '" + qorToUtf8(file) + "'");
+    Outcome bare = runQor("--no-module list '" + qorToUtf8(file) + "'");
     EXPECT_EQ(bare.status, 0) << bare.out;
 }
 
 TEST(QorCli, BadFilesGiveAClearErrorAndANonZeroExit) {
     TempDir dir;
-    CliRun missing = qor("list '" + dir.path().string() + "/missing.qdb'");
+    Outcome missing = runQor("list '" + dir.path().string() + "/missing.qdb'");
     EXPECT_NE(missing.status, 0);
     EXPECT_NE(missing.out.find("qor: "), std::string::npos) << missing.out;
     EXPECT_NE(missing.out.find("missing.qdb"), std::string::npos) << missing.out;
 
     const std::string junk = dir.path().string() + "/junk.qdb";
     std::ofstream(junk) << std::string(300, 'x');
-    CliRun garbage = qor("list '" + junk + "'");
+    Outcome garbage = runQor("list '" + junk + "'");
     EXPECT_NE(garbage.status, 0);
     EXPECT_NE(garbage.out.find("junk.qdb"), std::string::npos) << garbage.out;
 
@@ -96,14 +74,14 @@ TEST(QorCli, BadFilesGiveAClearErrorAndANonZeroExit) {
     }
     execOn(site, "UPDATE objects SET data = substr(data, 1, 7) WHERE class = (SELECT id FROM "
                  "classes WHERE name = 'AcDbLine')");
-    CliRun garbled = qor("list '" + qorToUtf8(site) + "'");
+    Outcome garbled = runQor("list '" + qorToUtf8(site) + "'");
     EXPECT_NE(garbled.status, 0);
     EXPECT_NE(garbled.out.find("qor: "), std::string::npos) << garbled.out;
     EXPECT_NE(garbled.out.find("AcDbLine"), std::string::npos) << garbled.out;
 
-    CliRun noArgs = qor("");
+    Outcome noArgs = runQor("");
     EXPECT_NE(noArgs.status, 0);
-    CliRun badModule = qor("--module /nonexistent/libx.so classes");
+    Outcome badModule = runQor("--module /nonexistent/libx.so classes");
     EXPECT_NE(badModule.status, 0);
     EXPECT_NE(badModule.out.find("libx.so"), std::string::npos) << badModule.out;
 }

@@ -3,23 +3,17 @@
 #include "accolor.h"
 #include "girender.h"
 #include "host/demowindow.h"
+#include "support/qorrun.h"
 #include "support/tempdir.h"
 #include "winstr.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <fstream>
 #include <string>
-#include <sys/wait.h>
 
 namespace {
-
-struct Outcome {
-    int status = -1;
-    std::string out;
-};
 
 std::string head(const std::filesystem::path& file, size_t n) {
     std::ifstream in(file, std::ios::binary);
@@ -33,18 +27,7 @@ class QorDemo : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
         sDir = new TempDir;
-        const std::string cmd = std::string("QOR_MODULE='") + QOR_MODULE_PATH + "' '" +
-                                QOR_BIN_DIR + "/qor' demo '" + (sDir->path() / "out").string() +
-                                "' 2>&1";
-        sRun = new Outcome;
-        FILE* p = popen(cmd.c_str(), "r");
-        ASSERT_NE(p, nullptr);
-        char buf[4096];
-        size_t n;
-        while ((n = fread(buf, 1, sizeof buf, p)) > 0)
-            sRun->out.append(buf, n);
-        const int status = pclose(p);
-        sRun->status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        sRun = new Outcome(runQor("demo " + quoted((sDir->path() / "out").string())));
     }
     static void TearDownTestSuite() {
         delete sRun;

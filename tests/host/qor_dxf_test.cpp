@@ -3,49 +3,18 @@
 #include "dbents.h"
 #include "dbmain.h"
 #include "dbsymtb.h"
+#include "support/qorrun.h"
 #include "support/tempdir.h"
 #include "winstr.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <fstream>
 #include <map>
 #include <regex>
 #include <string>
-#include <sys/wait.h>
 
 namespace {
-
-struct Outcome {
-    int status = -1;
-    std::string out;
-
-    bool has(const std::string& text) const { return out.find(text) != std::string::npos; }
-    int count(const std::string& text) const {
-        int n = 0;
-        for (size_t at = 0; (at = out.find(text, at)) != std::string::npos; at += text.size())
-            ++n;
-        return n;
-    }
-};
-
-Outcome shell(const std::string& command) {
-    Outcome r;
-    FILE* p = popen((command + " 2>&1").c_str(), "r");
-    if (!p) return r;
-    char buf[4096];
-    size_t n;
-    while ((n = fread(buf, 1, sizeof buf, p)) > 0)
-        r.out.append(buf, n);
-    const int status = pclose(p);
-    r.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return r;
-}
-
-std::string quoted(const std::string& s) {
-    return "'" + s + "'";
-}
 
 // A strict load and an audit; the model space's types are printed with their counts.
 constexpr const char* kAuditScript = R"py(
@@ -80,7 +49,7 @@ void append(AcDbObjectId space, AcDbEntity* ent) {
 
 class QorDxf : public ::testing::Test {
 protected:
-    Outcome qor(const std::string& args) const {
+    Outcome runQor(const std::string& args) const {
         return shell(std::string("QOR_MODULE='") + QOR_MODULE_PATH + "' '" + QOR_BIN_DIR +
                      "/qor' " + args);
     }
@@ -155,8 +124,8 @@ protected:
         const std::string script = write("lines.txt", "DUBLINE\n2.5\n0,0\n10,0\n@0,5\n\n"
                                                       "DUBLINE\n1\n0,20\n10,20\nA\n0.5\n20,20\n\n");
         const Outcome made =
-            qor("run --load " + quoted(QOR_TEST_COMMANDS) + " " + quoted(script) + " --open " +
-                quoted(path("base.qdb")) + " --save " + quoted(path("made.qdb")));
+            runQor("run --load " + quoted(QOR_TEST_COMMANDS) + " " + quoted(script) + " --open " +
+                   quoted(path("base.qdb")) + " --save " + quoted(path("made.qdb")));
         ASSERT_EQ(made.status, 0) << made.out;
         ASSERT_EQ(made.count("\nDouble line "), 2) << made.out;
     }
@@ -166,12 +135,12 @@ protected:
 
 TEST_F(QorDxf, BothFormsPassEzdxfsStrictLoadAndAuditAndDimeReadsThem) {
     const Outcome plain =
-        qor("dxf " + quoted(path("made.qdb")) + " -o " + quoted(path("plain.dxf")));
+        runQor("dxf " + quoted(path("made.qdb")) + " -o " + quoted(path("plain.dxf")));
     ASSERT_EQ(plain.status, 0) << plain.out;
     // Eight plain entities and two double lines in model space, one in the block.
     EXPECT_TRUE(plain.has("plain.dxf: 11 entities")) << plain.out;
-    const Outcome exploded = qor("dxf " + quoted(path("made.qdb")) + " -o " +
-                                 quoted(path("exploded.dxf")) + " --explode");
+    const Outcome exploded = runQor("dxf " + quoted(path("made.qdb")) + " -o " +
+                                    quoted(path("exploded.dxf")) + " --explode");
     ASSERT_EQ(exploded.status, 0) << exploded.out;
 
     std::string output;
@@ -201,15 +170,15 @@ TEST_F(QorDxf, BothFormsPassEzdxfsStrictLoadAndAuditAndDimeReadsThem) {
 }
 
 TEST_F(QorDxf, ImportBringsTheDoubleLinesBackThroughTheirClass) {
-    ASSERT_EQ(qor("dxf " + quoted(path("made.qdb")) + " -o " + quoted(path("plain.dxf"))).status,
+    ASSERT_EQ(runQor("dxf " + quoted(path("made.qdb")) + " -o " + quoted(path("plain.dxf"))).status,
               0);
     const Outcome imported =
-        qor("import " + quoted(path("plain.dxf")) + " -o " + quoted(path("back.qdb")));
+        runQor("import " + quoted(path("plain.dxf")) + " -o " + quoted(path("back.qdb")));
     ASSERT_EQ(imported.status, 0) << imported.out;
     EXPECT_TRUE(imported.has("back.qdb: 11 entities")) << imported.out;
     EXPECT_FALSE(imported.has("skipped")) << imported.out;
 
-    const Outcome listed = qor("list " + quoted(path("back.qdb")));
+    const Outcome listed = runQor("list " + quoted(path("back.qdb")));
     ASSERT_EQ(listed.status, 0) << listed.out;
     EXPECT_EQ(listed.count("AcdbQorDubLine  Layer: \"道路\""), 2) << listed.out;
     EXPECT_TRUE(listed.has("北环路")) << listed.out;
@@ -219,7 +188,7 @@ TEST_F(QorDxf, ImportBringsTheDoubleLinesBackThroughTheirClass) {
 
 TEST_F(QorDxf, WithoutTheModuleDoubleLinesAreLeftOutAndCounted) {
     const Outcome r =
-        qor("--no-module dxf " + quoted(path("made.qdb")) + " -o " + quoted(path("bare.dxf")));
+        runQor("--no-module dxf " + quoted(path("made.qdb")) + " -o " + quoted(path("bare.dxf")));
     EXPECT_EQ(r.status, 0) << r.out;
     EXPECT_TRUE(r.has("qor: left out 2 entities: QOR_DUBLINE 2")) << r.out;
     EXPECT_TRUE(r.has("bare.dxf: 9 entities")) << r.out;
@@ -228,28 +197,28 @@ TEST_F(QorDxf, WithoutTheModuleDoubleLinesAreLeftOutAndCounted) {
 TEST_F(QorDxf, DamagedFilesAndWrongArgumentsGiveClearErrors) {
     const std::string damaged = write("damaged.dxf", "  0\nSECTION\n  2\nENTITIES\n  0\nLINE\n"
                                                      " 10\n1,5\n");
-    Outcome r = qor("import " + quoted(damaged) + " -o " + quoted(path("x.qdb")));
+    Outcome r = runQor("import " + quoted(damaged) + " -o " + quoted(path("x.qdb")));
     EXPECT_EQ(r.status, 1);
     EXPECT_TRUE(r.has("damaged.dxf: line 8: group 10 needs a number, found \"1,5\"")) << r.out;
 
     const std::string truncated =
         write("truncated.dxf", "  0\nSECTION\n  2\nENTITIES\n  0\nLINE\n 10\n");
-    r = qor("import " + quoted(truncated) + " -o " + quoted(path("x.qdb")));
+    r = runQor("import " + quoted(truncated) + " -o " + quoted(path("x.qdb")));
     EXPECT_EQ(r.status, 1);
     EXPECT_TRUE(r.has("line 7: the file ends after group code 10")) << r.out;
 
     const std::string odd = write("odd.dxf", "  0\nSECTION\n  2\nENTITIES\n  0\n3DFACE\n  8\n0\n"
                                              "  0\nLINE\n 10\n0\n 20\n0\n 11\n1\n 21\n1\n"
                                              "  0\nENDSEC\n  0\nEOF\n");
-    r = qor("import " + quoted(odd) + " -o " + quoted(path("odd.qdb")));
+    r = runQor("import " + quoted(odd) + " -o " + quoted(path("odd.qdb")));
     EXPECT_EQ(r.status, 0) << r.out;
     EXPECT_TRUE(r.has("qor: skipped 1 entities: 3DFACE 1")) << r.out;
     EXPECT_TRUE(r.has("odd.qdb: 1 entities")) << r.out;
 
-    r = qor("dxf " + quoted(path("none.qdb")) + " -o " + quoted(path("none.dxf")));
+    r = runQor("dxf " + quoted(path("none.qdb")) + " -o " + quoted(path("none.dxf")));
     EXPECT_EQ(r.status, 1);
     EXPECT_TRUE(r.has("none.qdb")) << r.out;
-    r = qor("dxf " + quoted(path("made.qdb")));
+    r = runQor("dxf " + quoted(path("made.qdb")));
     EXPECT_NE(r.status, 0);
     EXPECT_TRUE(r.has("--output")) << r.out;
 }

@@ -4,29 +4,17 @@
 #include "dbmain.h"
 #include "dbsymtb.h"
 #include "girender.h"
+#include "support/qorrun.h"
 #include "support/tempdir.h"
 #include "winstr.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <fstream>
 #include <string>
-#include <sys/wait.h>
 
 namespace {
-
-struct Outcome {
-    int status = -1;
-    std::string out;
-
-    bool has(const std::string& text) const { return out.find(text) != std::string::npos; }
-};
-
-std::string quoted(const std::string& s) {
-    return "'" + s + "'";
-}
 
 bool isRed(std::uint32_t p) {
     return ((p >> 16) & 0xFF) > 200 && ((p >> 8) & 0xFF) < 60 && (p & 0xFF) < 60;
@@ -40,22 +28,6 @@ bool isWhite(std::uint32_t p) {
 
 class QorRender : public ::testing::Test {
 protected:
-    // Runs qor with the arguments; standard error is folded into the output.
-    Outcome qor(const std::string& args) const {
-        Outcome r;
-        const std::string cmd = std::string("QOR_MODULE='") + QOR_MODULE_PATH + "' '" +
-                                QOR_BIN_DIR + "/qor' " + args + " 2>&1";
-        FILE* p = popen(cmd.c_str(), "r");
-        if (!p) return r;
-        char buf[4096];
-        size_t n;
-        while ((n = fread(buf, 1, sizeof buf, p)) > 0)
-            r.out.append(buf, n);
-        const int status = pclose(p);
-        r.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        return r;
-    }
-
     std::string path(const std::string& name) const { return (mDir.path() / name).string(); }
 
     std::string head(const std::string& name, size_t n) const {
@@ -104,8 +76,8 @@ protected:
         }
         std::ofstream(path("make.txt"), std::ios::binary) << "DUBLINE\n2.5\n0,0\n10,0\n@0,5\n\n";
         const Outcome made =
-            qor("run --load " + quoted(QOR_TEST_COMMANDS) + " " + quoted(path("make.txt")) +
-                " --open " + quoted(path("base.qdb")) + " --save " + quoted(path("site.qdb")));
+            runQor("run --load " + quoted(QOR_TEST_COMMANDS) + " " + quoted(path("make.txt")) +
+                   " --open " + quoted(path("base.qdb")) + " --save " + quoted(path("site.qdb")));
         ASSERT_EQ(made.status, 0) << made.out;
     }
 
@@ -115,8 +87,8 @@ protected:
 // The window (-2,-7)-(14,7) on 800 pixels: 50 a unit; world (x, y) is pixel
 // (100 + 50x, 350 - 50y).
 TEST_F(QorRender, TheDoubleLineShowsItsTwoSidesInTheLayerColour) {
-    const Outcome r = qor("render " + quoted(path("site.qdb")) + " -o " + quoted(path("site.png")) +
-                          " --window -2,-7,14,7 --width 800");
+    const Outcome r = runQor("render " + quoted(path("site.qdb")) + " -o " +
+                             quoted(path("site.png")) + " --window -2,-7,14,7 --width 800");
     ASSERT_EQ(r.status, 0) << r.out;
     const AcGiRenderImage image = png("site.png");
     ASSERT_EQ(image.width(), 800);
@@ -139,8 +111,8 @@ TEST_F(QorRender, TheDoubleLineShowsItsTwoSidesInTheLayerColour) {
 }
 
 TEST_F(QorRender, WithoutTheModuleTheDoubleLineIsAProxyAndDrawsNothing) {
-    const Outcome r = qor("--no-module render " + quoted(path("site.qdb")) + " -o " +
-                          quoted(path("bare.png")) + " --window -2,-7,14,7 --width 800");
+    const Outcome r = runQor("--no-module render " + quoted(path("site.qdb")) + " -o " +
+                             quoted(path("bare.png")) + " --window -2,-7,14,7 --width 800");
     ASSERT_EQ(r.status, 0) << r.out;
     const AcGiRenderImage image = png("bare.png");
     int red = 0, blue = 0;
@@ -155,8 +127,8 @@ TEST_F(QorRender, WithoutTheModuleTheDoubleLineIsAProxyAndDrawsNothing) {
 
 TEST_F(QorRender, FittedPicturesAndDocumentsAreWritten) {
     // Fitted to the extents at the default width, on either background.
-    Outcome r = qor("render " + quoted(path("site.qdb")) + " -o " + quoted(path("fit.png")) +
-                    " --background black");
+    Outcome r = runQor("render " + quoted(path("site.qdb")) + " -o " + quoted(path("fit.png")) +
+                       " --background black");
     ASSERT_EQ(r.status, 0) << r.out;
     const AcGiRenderImage image = png("fit.png");
     EXPECT_EQ(image.width(), 1600);
@@ -176,13 +148,13 @@ TEST_F(QorRender, FittedPicturesAndDocumentsAreWritten) {
     EXPECT_GT(redRight, blueRight + image.width() / 20);
     EXPECT_LT(redRight, image.width() - 10);
 
-    r = qor("render " + quoted(path("site.qdb")) + " -o " + quoted(path("site.svg")));
+    r = runQor("render " + quoted(path("site.qdb")) + " -o " + quoted(path("site.svg")));
     ASSERT_EQ(r.status, 0) << r.out;
     EXPECT_EQ(head("site.svg", 5), "<?xml");
     EXPECT_NE(head("site.svg", 400).find("<svg"), std::string::npos);
 
-    r = qor("render " + quoted(path("site.qdb")) + " -o " + quoted(path("site.PDF")) +
-            " --paper a3,landscape");
+    r = runQor("render " + quoted(path("site.qdb")) + " -o " + quoted(path("site.PDF")) +
+               " --paper a3,landscape");
     ASSERT_EQ(r.status, 0) << r.out;
     EXPECT_EQ(head("site.PDF", 5), "%PDF-");
     // An A3 landscape page: 1190.55 by 841.89 points.
@@ -210,17 +182,17 @@ TEST_F(QorRender, BadArgumentsFailClearlyAndWriteNothing) {
         {"render " + site + " -o /nonexistent-folder/out.png", "cannot write"},
     };
     for (const Case& c : cases) {
-        const Outcome r = qor(c.args);
+        const Outcome r = runQor(c.args);
         EXPECT_NE(r.status, 0) << c.args;
         EXPECT_TRUE(r.has("qor: ")) << c.args << "\n" << r.out;
         EXPECT_TRUE(r.has(c.says)) << c.args << "\n" << r.out;
     }
     std::ofstream(path("junk.qdb"), std::ios::binary) << std::string(300, 'x');
-    const Outcome junk = qor("render " + quoted(path("junk.qdb")) + " -o " + out);
+    const Outcome junk = runQor("render " + quoted(path("junk.qdb")) + " -o " + out);
     EXPECT_NE(junk.status, 0);
     EXPECT_TRUE(junk.has("junk.qdb")) << junk.out;
     EXPECT_FALSE(std::ifstream(path("out.png")).good()) << "no picture from a failed run";
-    const Outcome missing = qor("render " + site);
+    const Outcome missing = runQor("render " + site);
     EXPECT_NE(missing.status, 0) << "an output file is required";
 }
 

@@ -3,54 +3,20 @@
 #include "dbents.h"
 #include "dbmain.h"
 #include "dbsymtb.h"
+#include "support/qorrun.h"
 #include "support/tempdir.h"
 #include "winstr.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <sys/wait.h>
 
 namespace {
 
-struct Outcome {
-    int status = -1;
-    std::string out;
-
-    bool has(const std::string& text) const { return out.find(text) != std::string::npos; }
-    int count(const std::string& text) const {
-        int n = 0;
-        for (size_t at = 0; (at = out.find(text, at)) != std::string::npos; at += text.size())
-            ++n;
-        return n;
-    }
-};
-
-std::string quoted(const std::string& s) {
-    return "'" + s + "'";
-}
-
 class QorScript : public ::testing::Test {
 protected:
-    // Runs qor with the arguments; standard error is folded into the output.
-    Outcome qor(const std::string& args) const {
-        Outcome r;
-        const std::string cmd = std::string("QOR_MODULE='") + QOR_MODULE_PATH + "' '" +
-                                QOR_BIN_DIR + "/qor' " + args + " 2>&1";
-        FILE* p = popen(cmd.c_str(), "r");
-        if (!p) return r;
-        char buf[4096];
-        size_t n;
-        while ((n = fread(buf, 1, sizeof buf, p)) > 0)
-            r.out.append(buf, n);
-        const int status = pclose(p);
-        r.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        return r;
-    }
-
     std::string path(const std::string& name) const { return (mDir.path() / name).string(); }
 
     std::string script(const std::string& name, const std::string& text) const {
@@ -65,7 +31,7 @@ protected:
             "run --load " + quoted(QOR_TEST_COMMANDS) + " " + quoted(script("script.txt", text));
         if (!open.empty()) args += " --open " + quoted(path(open));
         if (!save.empty()) args += " --save " + quoted(path(save));
-        return qor(args);
+        return runQor(args);
     }
 
     // A drawing whose current layer is 道路 and current colour green (3), so that what the
@@ -105,7 +71,7 @@ protected:
 
 TEST_F(QorScript, MadeLinesAreSavedAndReopenWithTheirWidthLayerAndColour) {
     makeLines();
-    Outcome listed = qor("list " + quoted(path("made.qdb")));
+    Outcome listed = runQor("list " + quoted(path("made.qdb")));
     EXPECT_EQ(listed.status, 0) << listed.out;
     EXPECT_EQ(listed.count("AcdbQorDubLine  Layer: \"道路\""), 2) << listed.out;
     EXPECT_EQ(listed.count("Color: 3"), 2) << listed.out;
@@ -164,7 +130,7 @@ TEST_F(QorScript, MoveScaleAndMirrorTransformTheLinesAndTheWidth) {
         << moved.out;
     EXPECT_TRUE(moved.has("(-1.000,3.500,0.000) (-18.500,3.500,0.000) (-18.500,11.000,0.000)"))
         << moved.out;
-    Outcome listed = qor("list " + quoted(path("moved.qdb")));
+    Outcome listed = runQor("list " + quoted(path("moved.qdb")));
     EXPECT_TRUE(listed.has("实体宽度:  5.000")) << listed.out;
     EXPECT_TRUE(listed.has("实体宽度:  0.000")) << listed.out;
 }
@@ -175,7 +141,7 @@ TEST_F(QorScript, ExplodeReplacesTheLinesByCurvesWithTheirColourAndLayer) {
     EXPECT_EQ(exploded.status, 0) << exploded.out;
     EXPECT_TRUE(exploded.has("Exploded 2 double lines into 2 entities.")) << exploded.out;
     EXPECT_TRUE(exploded.has("0 double lines")) << exploded.out;
-    Outcome listed = qor("list " + quoted(path("exploded.qdb")));
+    Outcome listed = runQor("list " + quoted(path("exploded.qdb")));
     EXPECT_EQ(listed.status, 0) << listed.out;
     EXPECT_EQ(listed.count("AcDbPolyline  Layer: \"道路\""), 2) << listed.out;
     EXPECT_EQ(listed.count("Color: 3"), 2) << listed.out;
@@ -234,7 +200,7 @@ TEST_F(QorScript, ArcKeywordBendsASegmentAndBadAnswersAreAskedAgain) {
 
 TEST_F(QorScript, ScriptsFromStandardInput) {
     const std::string file = script("stdin.txt", "DUBLINE\n1\n0,0\n3,4\n\nDLLIST\n");
-    Outcome r = qor("run - --load " + quoted(QOR_TEST_COMMANDS) + " < " + quoted(file));
+    Outcome r = runQor("run - --load " + quoted(QOR_TEST_COMMANDS) + " < " + quoted(file));
     EXPECT_EQ(r.status, 0) << r.out;
     EXPECT_TRUE(r.has("实体宽度:  1.000")) << r.out;
     EXPECT_TRUE(r.has("1 double lines")) << r.out;
@@ -249,7 +215,7 @@ TEST_F(QorScript, ACancelledPromptEndsOnlyItsCommand) {
     EXPECT_TRUE(r.has("0 double lines")) << r.out;
     EXPECT_TRUE(r.has("1 double lines")) << r.out;
     EXPECT_EQ(r.count("\nDouble line "), 1) << r.out;
-    Outcome listed = qor("list " + quoted(path("cancelled.qdb")));
+    Outcome listed = runQor("list " + quoted(path("cancelled.qdb")));
     EXPECT_TRUE(listed.has("实体宽度:  3.000")) << listed.out;
     EXPECT_TRUE(listed.has("1 entities")) << listed.out;
 }
@@ -267,13 +233,14 @@ TEST_F(QorScript, BadScriptsAndArgumentsFailClearly) {
     EXPECT_NE(leftover.status, 0);
     EXPECT_TRUE(leftover.has("qor: unknown command 2,2 (line 3)")) << leftover.out;
 
-    Outcome missing = qor("run --load " + quoted(QOR_TEST_COMMANDS) + " " + quoted(path("no.txt")));
+    Outcome missing =
+        runQor("run --load " + quoted(QOR_TEST_COMMANDS) + " " + quoted(path("no.txt")));
     EXPECT_NE(missing.status, 0);
     EXPECT_TRUE(missing.has("qor: cannot open script")) << missing.out;
     EXPECT_TRUE(missing.has("no.txt")) << missing.out;
 
-    Outcome badModule = qor("run --load " + quoted(path("nomodule.so")) + " " +
-                            quoted(script("s.txt", "DLLIST\n")));
+    Outcome badModule = runQor("run --load " + quoted(path("nomodule.so")) + " " +
+                               quoted(script("s.txt", "DLLIST\n")));
     EXPECT_NE(badModule.status, 0);
     EXPECT_TRUE(badModule.has("nomodule.so")) << badModule.out;
 
@@ -282,13 +249,13 @@ TEST_F(QorScript, BadScriptsAndArgumentsFailClearly) {
     EXPECT_TRUE(badDrawing.has("absent.qdb")) << badDrawing.out;
 
     // Without the object module the test commands refuse to register.
-    Outcome bare = qor("--no-module run --load " + quoted(QOR_TEST_COMMANDS) + " " +
-                       quoted(script("s.txt", "DLLIST\n")));
+    Outcome bare = runQor("--no-module run --load " + quoted(QOR_TEST_COMMANDS) + " " +
+                          quoted(script("s.txt", "DLLIST\n")));
     EXPECT_NE(bare.status, 0);
     EXPECT_TRUE(bare.has("need the object module")) << bare.out;
     EXPECT_TRUE(bare.has("unknown command DLLIST (line 1)")) << bare.out;
 
-    Outcome noScript = qor("run");
+    Outcome noScript = runQor("run");
     EXPECT_NE(noScript.status, 0);
 }
 
