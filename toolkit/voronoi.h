@@ -15,8 +15,9 @@
 // mode 0: the Voronoi edges as pairs of points in out, two entries per edge and one record
 // per edge. An edge between two triangles joins their circumcentres; an edge of a hull side
 // runs from its triangle's circumcentre outwards, square to the side, to the box. Edges are
-// cut where they leave the box; one wholly outside it, or of no length (four or more sites on
-// one circle), gives no record. counts is left as it is.
+// cut where they leave the box; one wholly outside it gives no record. Two triangles with one
+// circumcentre (four or more sites on one circle) still give their edge, of no length: its
+// point is a vertex of the diagram. counts is left as it is.
 //
 // mode 1: counts is cleared too, then each site's cell is appended as a polygon: its corner
 // count in counts and its corners in out, counter-clockwise around the site without repeating

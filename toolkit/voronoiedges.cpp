@@ -9,10 +9,18 @@ namespace qor::voronoi {
 
 namespace {
 
-void record(const Diagram& d, AcGePoint2d a, AcGePoint2d b, AcArray<AcGePoint3d>& out) {
-    if (std::hypot(b.x - a.x, b.y - a.y) <= d.negligible()) return;
+void append(AcGePoint2d a, AcGePoint2d b, AcArray<AcGePoint3d>& out) {
     out.append(AcGePoint3d(a.x, a.y, 0.0));
     out.append(AcGePoint3d(b.x, b.y, 0.0));
+}
+
+// A clipped piece; one that only touches the box is not in it.
+void record(const Diagram& d, AcGePoint2d a, AcGePoint2d b, AcArray<AcGePoint3d>& out) {
+    if (std::hypot(b.x - a.x, b.y - a.y) > d.negligible()) append(a, b, out);
+}
+
+bool inBox(const Box& box, AcGePoint2d p) {
+    return p.x >= box.x0 && p.x <= box.x1 && p.y >= box.y0 && p.y <= box.y1;
 }
 
 // Sites on one line: the bisector between each pair of neighbours along it, across the box.
@@ -47,6 +55,13 @@ void appendEdges(const Diagram& d, AcArray<AcGePoint3d>& out) {
                 // Each shared side once, from its lower-numbered triangle.
                 if (u < t || !d.centreOk[static_cast<size_t>(u)]) continue;
                 const AcGePoint2d cu = d.centre[static_cast<size_t>(u)];
+                // Four or more sites on one circle give triangles with one circumcentre: the
+                // side between them is still an edge of the diagram, of no length, and its
+                // point a vertex that searches over the edges' ends must see.
+                if (std::hypot(cu.x - c.x, cu.y - c.y) <= d.negligible()) {
+                    if (inBox(d.box, c)) append(c, cu, out);
+                    continue;
+                }
                 if (clipToBox(d.box, c, cu - c, 0.0, 1.0, a, b)) record(d, a, b, out);
                 continue;
             }

@@ -88,11 +88,12 @@ TEST(Voronoi, SquareDividesAlongItsAxes) {
     AcArray<int> counts = {99};
     ASSERT_EQ(M_GetVoronoi(0, square, out, counts), 1);
     EXPECT_EQ(counts.length(), 1) << "mode 0 leaves counts alone";
-    // The diagonal's two triangles share their circumcentre: that edge has no length and is
-    // not recorded. The box is [-10, 20] in both directions.
+    // The diagonal's two triangles share their circumcentre: that edge has no length but is
+    // recorded, the diagram's vertex. The box is [-10, 20] in both directions.
     const auto edges = edgesOf(out);
-    ASSERT_EQ(edges.size(), 4u);
+    ASSERT_EQ(edges.size(), 5u);
     const AcGePoint2d c(5, 5);
+    EXPECT_TRUE(hasSegment(edges, c, c, 1e-9));
     for (AcGePoint2d end :
          {AcGePoint2d(5, -10), AcGePoint2d(20, 5), AcGePoint2d(5, 20), AcGePoint2d(-10, 5)})
         EXPECT_TRUE(hasSegment(edges, c, end, 1e-9)) << end.x << "," << end.y;
@@ -137,13 +138,17 @@ TEST(Voronoi, RightTriangleMeetsAtTheHypotenuseMidpoint) {
 
 TEST(Voronoi, SurveyedCoordinatesFarFromTheOrigin) {
     // Survey grids put sites millions of units from the origin; the square's centre must still
-    // come out as one corner, not two a rounding apart.
+    // come out as one corner, not two a rounding apart, and its diagonal edge of no length.
     const double x0 = 512345.678, y0 = 3123456.789;
     const Pts square = {{x0, y0, 0}, {x0 + 10, y0, 0}, {x0 + 10, y0 + 10, 0}, {x0, y0 + 10, 0}};
     Pts out;
     AcArray<int> counts;
     ASSERT_EQ(M_GetVoronoi(0, square, out, counts), 1);
-    EXPECT_EQ(out.length(), 8);
+    ASSERT_EQ(out.length(), 10);
+    const auto edges = edgesOf(out);
+    EXPECT_EQ(std::count_if(edges.begin(), edges.end(),
+                            [](const Segment& e) { return e.first == e.second; }),
+              1);
     ASSERT_EQ(M_GetVoronoi(1, square, out, counts), 1);
     ASSERT_EQ(counts.length(), 4);
     for (int c : counts)
@@ -151,9 +156,9 @@ TEST(Voronoi, SurveyedCoordinatesFarFromTheOrigin) {
 }
 
 TEST(Voronoi, GridSitesMeetFourAtACorner) {
-    // A 5 x 5 grid of spacing 10: every Voronoi vertex is shared by four sites, so the
-    // diagonals of the triangulation add no edges. Four bisectors each way, each cut into five
-    // by the others and the box [-10, 50].
+    // A 5 x 5 grid of spacing 10: every Voronoi vertex is shared by four sites, so each of the
+    // 16 diagonals of the triangulation adds an edge of no length there. Four bisectors each
+    // way, each cut into five by the others and the box [-10, 50].
     Pts grid;
     for (int i = 0; i < 5; ++i)
         for (int j = 0; j < 5; ++j)
@@ -162,8 +167,14 @@ TEST(Voronoi, GridSitesMeetFourAtACorner) {
     AcArray<int> counts;
     ASSERT_EQ(M_GetVoronoi(0, grid, out, counts), 1);
     const auto edges = edgesOf(out);
-    EXPECT_EQ(edges.size(), 40u);
+    EXPECT_EQ(edges.size(), 56u);
     for (const Segment& e : edges) {
+        if (e.first == e.second) {
+            // At a vertex: both coordinates at 5 + 10k.
+            EXPECT_NEAR(std::fmod(e.first.x - 5, 10), 0, 1e-9);
+            EXPECT_NEAR(std::fmod(e.first.y - 5, 10), 0, 1e-9);
+            continue;
+        }
         const bool vertical = std::fabs(e.first.x - e.second.x) < 1e-9;
         EXPECT_TRUE(vertical || std::fabs(e.first.y - e.second.y) < 1e-9);
         // Between two vertices, or from the outer ones to the box.
