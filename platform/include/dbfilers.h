@@ -46,10 +46,6 @@ const char* acdbFilerKindName(AcDbFilerKind kind);
 
 // Text helpers shared by the filers and their dumps.
 namespace AcDbFilerDetail {
-// Unpaired surrogates and values past U+10FFFF are written as U+FFFD.
-std::string toUtf8(std::wstring_view s);
-// Each invalid or truncated sequence decodes to one U+FFFD.
-std::wstring fromUtf8(std::string_view s);
 // Shortest text that reads back as the same double.
 std::string formatDouble(double v);
 // Double-quoted UTF-8 with \" \\ and control characters escaped.

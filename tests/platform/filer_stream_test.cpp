@@ -497,9 +497,14 @@ TEST(StreamFiler, InvalidUtf8ReadsAsReplacementCharacters) {
         acdbFree(s);
     }
 
-    // Text that cannot be UTF-8 is filed as U+FFFD rather than as broken bytes.
-    const std::wstring lone = {L'x', static_cast<wchar_t>(0xD800)};
-    EXPECT_EQ(AcDbFilerDetail::toUtf8(lone), "x\xEF\xBF\xBD");
+    // Text that cannot be UTF-8 is filed as U+FFFD rather than as broken bytes; a surrogate
+    // pair left over from UTF-16 is filed as the one character it stands for.
+    const std::wstring odd = {L'x', static_cast<wchar_t>(0xD800), L'y',
+                              static_cast<wchar_t>(0xD83D), static_cast<wchar_t>(0xDE00)};
+    AcDbStreamDwgFiler out;
+    ASSERT_EQ(out.writeString(odd.c_str()), Acad::eOk);
+    const std::string filed(out.bytes().begin(), out.bytes().end());
+    EXPECT_NE(filed.find("x\xEF\xBF\xBDy\xF0\x9F\x98\x80"), std::string::npos);
 }
 
 namespace {

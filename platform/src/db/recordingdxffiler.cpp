@@ -1,5 +1,6 @@
 // The recording DXF filer: the groups an object writes, replayed to its reader.
 #include "dbfilers.h"
+#include "winstr.h"
 #include "dbmain.h"
 
 #include <cstring>
@@ -232,7 +233,7 @@ Acad::ErrorStatus AcDbRecordingDxfFiler::writeItem(const resbuf& item) {
 Acad::ErrorStatus AcDbRecordingDxfFiler::writeObjectId(AcDb::DxfCode code, const AcDbObjectId& id) {
     // Handle-string codes (5, 105, 320-329, 1005) take the id's handle as text.
     if (acdbGroupCodeToType(code) == RTSTR)
-        return add(AcDbDxfItem(code, std::wstring(AcDbFilerDetail::fromUtf8(AcDbFilerDetail::hex(
+        return add(AcDbDxfItem(code, std::wstring(qorFromUtf8(AcDbFilerDetail::hex(
                                          id.isNull() ? 0 : id.handle().value())))));
     return add(AcDbDxfItem(code, id));
 }
@@ -266,7 +267,7 @@ Acad::ErrorStatus AcDbRecordingDxfFiler::writeInt64(AcDb::DxfCode code, Adesk::I
 }
 
 Acad::ErrorStatus AcDbRecordingDxfFiler::writeHandle(AcDb::DxfCode code, const AcDbHandle& h) {
-    return add(AcDbDxfItem(code, AcDbFilerDetail::fromUtf8(AcDbFilerDetail::hex(h.value()))));
+    return add(AcDbDxfItem(code, qorFromUtf8(AcDbFilerDetail::hex(h.value()))));
 }
 
 Acad::ErrorStatus AcDbRecordingDxfFiler::writeDouble(AcDb::DxfCode code, double v, int) {

@@ -1,5 +1,6 @@
 // The recording DWG filer: every primitive kept as a typed item, for layout tests and replay.
 #include "dbfilers.h"
+#include "winstr.h"
 
 #include <charconv>
 #include <cstring>
@@ -51,7 +52,7 @@ std::string formatDouble(double v) {
 
 std::string quoted(std::wstring_view s) {
     std::string out = "\"";
-    for (char c : toUtf8(s)) {
+    for (char c : qorToUtf8(std::wstring(s))) {
         const auto u = static_cast<unsigned char>(c);
         if (c == '"' || c == '\\') {
             out += '\\';

@@ -1,5 +1,6 @@
 // The typed binary stream in which the drawing store files every object.
 #include "dbfilers.h"
+#include "winstr.h"
 
 #include <bit>
 #include <cstring>
@@ -10,7 +11,6 @@ namespace {
 constexpr size_t kLengthSize = 4;
 // The largest chunk an ads_binary can describe.
 constexpr size_t kMaxChunk = std::numeric_limits<short>::max();
-constexpr char32_t kReplacement = 0xFFFD;
 
 Adesk::UInt64 loadLE(const std::uint8_t* p, size_t n) {
     Adesk::UInt64 v = 0;
@@ -26,85 +26,6 @@ ACHAR* allocString(const std::wstring& s) {
 }
 
 } // namespace
-
-// ---------------------------------------------------------------- UTF-8
-
-namespace AcDbFilerDetail {
-
-std::string toUtf8(std::wstring_view s) {
-    std::string out;
-    out.reserve(s.size());
-    for (wchar_t wc : s) {
-        auto c = static_cast<char32_t>(static_cast<std::make_unsigned_t<wchar_t>>(wc));
-        if ((c >= 0xD800 && c <= 0xDFFF) || c > 0x10FFFF) c = kReplacement;
-        if (c < 0x80) {
-            out += static_cast<char>(c);
-        } else if (c < 0x800) {
-            out += static_cast<char>(0xC0 | (c >> 6));
-            out += static_cast<char>(0x80 | (c & 0x3F));
-        } else if (c < 0x10000) {
-            out += static_cast<char>(0xE0 | (c >> 12));
-            out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-            out += static_cast<char>(0x80 | (c & 0x3F));
-        } else {
-            out += static_cast<char>(0xF0 | (c >> 18));
-            out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-            out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-            out += static_cast<char>(0x80 | (c & 0x3F));
-        }
-    }
-    return out;
-}
-
-std::wstring fromUtf8(std::string_view s) {
-    std::wstring out;
-    out.reserve(s.size());
-    const size_t n = s.size();
-    size_t i = 0;
-    while (i < n) {
-        const auto b0 = static_cast<unsigned char>(s[i]);
-        if (b0 < 0x80) {
-            out += static_cast<wchar_t>(b0);
-            ++i;
-            continue;
-        }
-        int need = 0;
-        char32_t c = 0;
-        // Second-byte bounds exclude overlong forms, surrogates and values past U+10FFFF.
-        unsigned char lo = 0x80, hi = 0xBF;
-        if (b0 >= 0xC2 && b0 <= 0xDF) {
-            need = 1;
-            c = b0 & 0x1F;
-        } else if (b0 >= 0xE0 && b0 <= 0xEF) {
-            need = 2;
-            c = b0 & 0x0F;
-            if (b0 == 0xE0) lo = 0xA0;
-            if (b0 == 0xED) hi = 0x9F;
-        } else if (b0 >= 0xF0 && b0 <= 0xF4) {
-            need = 3;
-            c = b0 & 0x07;
-            if (b0 == 0xF0) lo = 0x90;
-            if (b0 == 0xF4) hi = 0x8F;
-        } else {
-            out += static_cast<wchar_t>(kReplacement);
-            ++i;
-            continue;
-        }
-        size_t j = i + 1;
-        int k = 0;
-        for (; k < need && j < n; ++k, ++j) {
-            const auto b = static_cast<unsigned char>(s[j]);
-            if (k == 0 ? (b < lo || b > hi) : (b < 0x80 || b > 0xBF)) break;
-            c = (c << 6) | (b & 0x3F);
-        }
-        // A broken sequence is replaced as a whole up to the first byte that does not fit.
-        out += static_cast<wchar_t>(k == need ? c : kReplacement);
-        i = j;
-    }
-    return out;
-}
-
-} // namespace AcDbFilerDetail
 
 // ---------------------------------------------------------------- construction
 
@@ -225,8 +146,7 @@ Acad::ErrorStatus AcDbStreamDwgFiler::readString(ACHAR** s) {
         take(AcDbFilerKind::kString, 0, true, std::numeric_limits<size_t>::max(), &item);
     std::wstring text;
     if (es == Acad::eOk)
-        text = AcDbFilerDetail::fromUtf8(
-            std::string_view(reinterpret_cast<const char*>(item.body), item.length));
+        text = qorFromUtf8(std::string_view(reinterpret_cast<const char*>(item.body), item.length));
     if (s) {
         *s = allocString(text);
         if (!*s) es = fail(Acad::eOutOfMemory);
@@ -401,8 +321,7 @@ Acad::ErrorStatus AcDbStreamDwgFiler::writeSoftPointerId(const AcDbSoftPointerId
 }
 
 Acad::ErrorStatus AcDbStreamDwgFiler::writeString(const ACHAR* s) {
-    const std::string utf8 =
-        AcDbFilerDetail::toUtf8(s ? std::wstring_view(s) : std::wstring_view());
+    const std::string utf8 = qorToUtf8(s);
     return writeCounted(AcDbFilerKind::kString, utf8.data(), utf8.size());
 }
 
