@@ -60,7 +60,7 @@ int exportSite(const std::string& site, const fs::path& outDir) {
     std::wstring error;
     auto db = openDrawing(site, error);
     if (!db) return fail(error);
-    WorkingDatabase working(db.get());
+    QorWorkingDatabase working(db.get());
     for (const auto& [name, format] : {std::pair{"site.png", AcGiRenderFormat::kPng},
                                        std::pair{"site.pdf", AcGiRenderFormat::kPdf}}) {
         const std::wstring path = qorFromUtf8((outDir / name).string());
@@ -94,7 +94,7 @@ int runDemo(const std::string& outDir) {
     if (!demo.loaded()) return fail(acrxLastModuleError());
     {
         AcDbDatabase db;
-        WorkingDatabase working(&db);
+        QorWorkingDatabase working(&db);
         if (!qorRunCommand(L"QORDEMO"))
             return fail(L"the demonstration module registered no QORDEMO command");
         acutPrintf(L"\n");

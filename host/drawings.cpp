@@ -26,7 +26,7 @@ int listDrawing(const std::string& file) {
     std::wstring error;
     auto db = openDrawing(file, error);
     if (!db) return fail(error);
-    WorkingDatabase working(db.get());
+    QorWorkingDatabase working(db.get());
     int count = 0;
     for (AcDbObjectId spaceId : {db->modelSpaceId(), db->paperSpaceId()}) {
         AcDbBlockTableRecord* space = nullptr;

@@ -20,14 +20,3 @@ std::unique_ptr<AcDbDatabase> openDrawing(const std::string& file, std::wstring&
 
 // Prints the listing of every entity of model and paper space, and their count.
 int listDrawing(const std::string& file);
-
-// Makes a database the working one, and none again at the end.
-class WorkingDatabase {
-public:
-    explicit WorkingDatabase(AcDbDatabase* db) {
-        acdbHostApplicationServices()->setWorkingDatabase(db);
-    }
-    ~WorkingDatabase() { acdbHostApplicationServices()->setWorkingDatabase(nullptr); }
-    WorkingDatabase(const WorkingDatabase&) = delete;
-    WorkingDatabase& operator=(const WorkingDatabase&) = delete;
-};

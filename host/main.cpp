@@ -149,7 +149,7 @@ int runScript(const RunOptions& options) {
         db = openDrawing(options.open, error);
         if (!db) return fail(error);
     }
-    WorkingDatabase working(db.get());
+    QorWorkingDatabase working(db.get());
     PromptInput input(in);
     // Ctrl+C stops a command's long loop (its user-break test) rather than the whole session.
     qorInstallBreakHandler();

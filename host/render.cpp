@@ -100,7 +100,7 @@ int render(const RenderArgs& args) {
     std::wstring error;
     auto db = openDrawing(args.file, error);
     if (!db) return fail(error);
-    WorkingDatabase working(db.get());
+    QorWorkingDatabase working(db.get());
     if (!acgiRenderModelSpace(db.get(), options, qorFromUtf8(args.output).c_str(), error))
         return fail(error);
     return 0;

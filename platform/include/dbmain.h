@@ -405,3 +405,18 @@ AcDbHostApplicationServices* acdbHostApplicationServices();
 inline AcDbDatabase* acdbCurDwg() {
     return acdbHostApplicationServices()->workingDatabase();
 }
+
+// Makes a database the working one for the length of a scope, and puts the one before back at
+// its end: names (layers, styles, linetypes) resolve in the working database.
+class QorWorkingDatabase {
+public:
+    explicit QorWorkingDatabase(AcDbDatabase* db) : mWas(acdbCurDwg()) {
+        acdbHostApplicationServices()->setWorkingDatabase(db);
+    }
+    ~QorWorkingDatabase() { acdbHostApplicationServices()->setWorkingDatabase(mWas); }
+    QorWorkingDatabase(const QorWorkingDatabase&) = delete;
+    QorWorkingDatabase& operator=(const QorWorkingDatabase&) = delete;
+
+private:
+    AcDbDatabase* mWas;
+};

@@ -23,20 +23,6 @@ std::wstring wide(std::string_view s) {
     return qorFromUtf8(s);
 }
 
-class WorkingDatabase {
-public:
-    explicit WorkingDatabase(AcDbDatabase* db)
-        : mWas(acdbHostApplicationServices()->workingDatabase()) {
-        acdbHostApplicationServices()->setWorkingDatabase(db);
-    }
-    ~WorkingDatabase() { acdbHostApplicationServices()->setWorkingDatabase(mWas); }
-    WorkingDatabase(const WorkingDatabase&) = delete;
-    WorkingDatabase& operator=(const WorkingDatabase&) = delete;
-
-private:
-    AcDbDatabase* mWas;
-};
-
 } // namespace
 
 // ---------------------------------------------------------------- records
@@ -298,7 +284,8 @@ Acad::ErrorStatus qorReadDxfBytes(AcDbDatabase* db, std::string_view bytes, QorD
     }
     Acad::ErrorStatus es = Acad::eOk;
     try {
-        qor::dxf::WorkingDatabase working(db);
+        // Custom objects read their names through the working database.
+        QorWorkingDatabase working(db);
         qor::dxf::Reader(db, r).read(bytes);
     } catch (const qor::dxf::Error& e) {
         r.errorLine = e.line;

@@ -21,21 +21,6 @@ int aciOf(const AcCmColor& c) {
     return c.colorIndex();
 }
 
-// Makes the drawing the working one while it is written: explode resolves names there.
-class WorkingDatabase {
-public:
-    explicit WorkingDatabase(AcDbDatabase* db)
-        : mWas(acdbHostApplicationServices()->workingDatabase()) {
-        acdbHostApplicationServices()->setWorkingDatabase(db);
-    }
-    ~WorkingDatabase() { acdbHostApplicationServices()->setWorkingDatabase(mWas); }
-    WorkingDatabase(const WorkingDatabase&) = delete;
-    WorkingDatabase& operator=(const WorkingDatabase&) = delete;
-
-private:
-    AcDbDatabase* mWas;
-};
-
 } // namespace
 
 std::wstring upperCase(std::wstring s) {
@@ -266,7 +251,8 @@ Acad::ErrorStatus qorWriteDxfString(AcDbDatabase* db, std::string& out,
         return Acad::eNullObjectPointer;
     }
     try {
-        qor::dxf::WorkingDatabase working(db);
+        // Explode resolves layer and style names in the working database.
+        QorWorkingDatabase working(db);
         qor::dxf::Writer(db, options, r).write(out);
     } catch (const qor::dxf::WriteError& e) {
         r.error = e.message;
