@@ -16,23 +16,7 @@
 
 namespace {
 
-// A strict load and an audit; the model space's types are printed with their counts.
-constexpr const char* kAuditScript = R"py(
-import sys
-import ezdxf
-doc = ezdxf.readfile(sys.argv[1])
-auditor = doc.audit()
-for e in auditor.errors:
-    print("ERROR", e.code, e.message)
-for f in auditor.fixes:
-    print("FIX", f.code, f.message)
-types = {}
-for e in doc.modelspace():
-    types[e.dxftype()] = types.get(e.dxftype(), 0) + 1
-for name, n in sorted(types.items()):
-    print("TYPE %s %d" % (name, n))
-print("AUDIT", "CLEAN" if not auditor.has_errors and not auditor.has_fixes else "FAILED")
-)py";
+const std::string kAuditScript = std::string(QOR_TEST_DATA) + "/ezdxf_audit.py";
 
 template <class T> T* opened(AcDbObjectId id, AcDb::OpenMode mode) {
     T* obj = nullptr;
@@ -63,8 +47,7 @@ protected:
 
     // Types and counts of a file's model space as ezdxf sees it, with the audit's verdict.
     std::map<std::string, int> audit(const std::string& dxf, std::string& output) const {
-        const Outcome r = shell("/usr/bin/python3 " + quoted(write("audit.py", kAuditScript)) +
-                                " " + quoted(dxf));
+        const Outcome r = shell("/usr/bin/python3 " + quoted(kAuditScript) + " " + quoted(dxf));
         output = r.out;
         std::map<std::string, int> types;
         const std::regex row("TYPE (\\S+) (\\d+)");
