@@ -65,12 +65,16 @@ TEST(WinFormat, StringsAndCharactersAreWideUnlessMarkedNarrow) {
     EXPECT_EQ(qorFormat(L"[%.2S]", "abc"), L"[ab]");
 }
 
-TEST(WinFormat, NarrowTextIsDecodedAsUtf8ForNow) {
-    // These change with the narrow code page.
-    EXPECT_EQ(qorFormat(L"[%4S]", "\xE4\xB8\xAD\xE6\x96\x87"), L"[  中文]");
+TEST(WinFormat, NarrowTextIsInCodePage936) {
+    // 中文 in GBK; the width counts characters.
+    EXPECT_EQ(qorFormat(L"[%4S]", "\xD6\xD0\xCE\xC4"), L"[  中文]");
     // The precision of a narrow string counts bytes, as on Windows.
-    EXPECT_EQ(qorFormat(L"[%.3S]", "\xE4\xB8\xAD\xE6\x96\x87"), L"[中]");
-    EXPECT_EQ(CString("\xE7\x94\xB2"), L"甲");
+    EXPECT_EQ(qorFormat(L"[%.2S]", "\xD6\xD0\xCE\xC4"), L"[中]");
+    EXPECT_EQ(qorFormat(L"[%C]", 'A'), L"[A]");
+    EXPECT_EQ(CString("\xBC\xD7"), L"甲");
+    EXPECT_EQ(CString("plain"), L"plain");
+    // Half a character at the end shows as '?', as the code page's own decoder does.
+    EXPECT_EQ(CString("\xBC\xD7\xBC"), L"甲?");
 }
 
 TEST(WinFormat, NullStringsPrintAsNullCutByThePrecision) {

@@ -1,6 +1,8 @@
 // CString and the text encodings behind it.
 #include "winstr.h"
 
+#include "wincodepage.h"
+
 #include <cstring>
 #include <cwchar>
 #include <ostream>
@@ -115,9 +117,15 @@ std::wstring qorFromUtf8(std::string_view s) {
     return out;
 }
 
-// The ANSI code page is UTF-8 for now.
+// Narrow text is in the ANSI code page, 936 (GBK). Plain ASCII, most of it, needs no converter;
+// should the converter be missing, UTF-8 is the best guess left.
 std::wstring qorFromNarrow(std::string_view s) {
-    return qorFromUtf8(s);
+    bool ascii = true;
+    for (char c : s)
+        ascii = ascii && static_cast<unsigned char>(c) < 0x80;
+    if (ascii) return std::wstring(s.begin(), s.end());
+    std::wstring out = qorFromCodePage(CP_ACP, s);
+    return out.empty() ? qorFromUtf8(s) : out;
 }
 
 // ---------------------------------------------------------------- CString
