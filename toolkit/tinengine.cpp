@@ -217,9 +217,12 @@ private:
                 mFailed = true;
                 return tangent;
             }
+            // The candidates' far ends are kept beside them: the deletions write to the edge
+            // records, so the compiler would read them again each time they are asked for.
             int lc = next(base, orgB), rc = prev(base, destB);
-            const double crossL = crossFrom(other(lc, orgB), orgB, destB);
-            const double crossR = crossFrom(other(rc, destB), orgB, destB);
+            int farL = other(lc, orgB), farR = other(rc, destB);
+            const double crossL = crossFrom(farL, orgB, destB);
+            const double crossR = crossFrom(farR, orgB, destB);
             const bool validL = crossL > 0.0, validR = crossR > 0.0;
             if (!validL && !validR) break;
 
@@ -227,7 +230,7 @@ private:
             // inside the current one's circle: the current edge cannot stay.
             double cotL = 0.0, cotR = 0.0;
             if (validL) {
-                cotL = dotFrom(other(lc, orgB), orgB, destB) / crossL;
+                cotL = dotFrom(farL, orgB, destB) / crossL;
                 for (;;) {
                     const int nx = next(lc, orgB);
                     const int far = other(nx, orgB);
@@ -237,11 +240,12 @@ private:
                     if (cot > cotL) break;
                     deleteEdge(lc);
                     lc = nx;
+                    farL = far;
                     cotL = cot;
                 }
             }
             if (validR) {
-                cotR = dotFrom(other(rc, destB), orgB, destB) / crossR;
+                cotR = dotFrom(farR, orgB, destB) / crossR;
                 for (;;) {
                     const int nx = prev(rc, destB);
                     const int far = other(nx, destB);
@@ -251,17 +255,16 @@ private:
                     if (cot > cotR) break;
                     deleteEdge(rc);
                     rc = nx;
+                    farR = far;
                     cotR = cot;
                 }
             }
 
             // A tie goes to the left candidate.
             if (validL && (!validR || cotL <= cotR)) {
-                const int farL = other(lc, orgB);
                 base = join(lc, farL, base, destB, Side::right);
                 orgB = farL;
             } else {
-                const int farR = other(rc, destB);
                 base = join(base, orgB, rc, farR, Side::right);
                 destB = farR;
             }
@@ -332,12 +335,6 @@ bool Network::build(const AcGePoint3d* pts, int n) {
     mCount = n;
     assert(isValid());
     return true;
-}
-
-bool Network::isOuterFace(int u, int v, int w) const {
-    // The outside is the face on the left of the hull edge's reverse.
-    const int a = mHullTo, b = mHullFrom;
-    return (u == a && v == b) || (v == a && w == b) || (w == a && u == b);
 }
 
 bool Network::isValid() const {

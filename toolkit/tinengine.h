@@ -55,7 +55,11 @@ public:
 
     // The rotation around u passing from u-v to u-w closes a triangle u, v, w both for a face
     // and, when the hull has three corners, for the outside. True for the outside.
-    bool isOuterFace(int u, int v, int w) const;
+    bool isOuterFace(int u, int v, int w) const {
+        // The outside is the face on the left of the hull edge's reverse.
+        const int a = mHullTo, b = mHullFrom;
+        return (u == a && v == b) || (v == a && w == b) || (w == a && u == b);
+    }
 
     // Every ring of edges closes on itself with matching forward and backward links, and every
     // edge of a point's ring has that point as an end.

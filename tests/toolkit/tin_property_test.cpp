@@ -80,6 +80,10 @@ void checkTriangulation(const Pts& pts, const std::string& name) {
         const int u = faces[f + 1], v = faces[f + 2], w = faces[f + 3];
         // Reported from the lowest-numbered corner, the others in input order.
         ASSERT_TRUE(0 <= u && u < v && v < w && w < n) << u << " " << v << " " << w;
+        // Points take their turn in input order, whatever their place by x.
+        if (f > 0) {
+            ASSERT_LE(faces[f - 3], u) << "out of turn at record " << f / 4;
+        }
         EXPECT_TRUE(seen.insert({u, v, w}).second) << "twice: " << u << " " << v << " " << w;
         AcGePoint3d a = pts[u], b = pts[v], c = pts[w];
         if (cross(a, b, c) < 0) std::swap(b, c);
