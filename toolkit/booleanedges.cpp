@@ -85,25 +85,35 @@ void sortAlong(const Edge& e, std::vector<SplitPoint>& split) {
     const size_t n = split.size();
     if (n < 3) return;
     // A distance that is not a number sorts last, so the order stays strict.
-    struct Keyed {
-        double key;
-        SplitPoint point;
+    const auto distance = [&](const SplitPoint& p) {
+        const double d = std::hypot(p.x - e.x1, p.y - e.y1);
+        return std::isnan(d) ? std::numeric_limits<double>::infinity() : d;
     };
-    std::vector<Keyed> keyed(n);
-    for (size_t i = 0; i < n; ++i) {
-        const double d = std::hypot(split[i].x - e.x1, split[i].y - e.y1);
-        keyed[i] = {std::isnan(d) ? std::numeric_limits<double>::infinity() : d, split[i]};
+    // Equal distances keep their order either way. An edge rarely meets more than a few: their
+    // keys fit on the stack and an insertion sort orders them.
+    constexpr size_t kFew = 16;
+    if (n > kFew) {
+        struct Keyed {
+            double key;
+            SplitPoint point;
+        };
+        std::vector<Keyed> keyed(n);
+        for (size_t i = 0; i < n; ++i)
+            keyed[i] = {distance(split[i]), split[i]};
+        std::stable_sort(keyed.begin(), keyed.end(),
+                         [](const Keyed& p, const Keyed& q) { return p.key < q.key; });
+        for (size_t i = 0; i < n; ++i)
+            split[i] = keyed[i].point;
+        return;
     }
-    // Equal distances keep their order either way; an edge rarely meets more than a few.
-    const auto nearer = [](const Keyed& p, const Keyed& q) { return p.key < q.key; };
-    if (n <= 16)
-        for (size_t i = 1; i < n; ++i)
-            for (size_t j = i; j > 0 && nearer(keyed[j], keyed[j - 1]); --j)
-                std::swap(keyed[j], keyed[j - 1]);
-    else
-        std::stable_sort(keyed.begin(), keyed.end(), nearer);
+    double key[kFew];
     for (size_t i = 0; i < n; ++i)
-        split[i] = keyed[i].point;
+        key[i] = distance(split[i]);
+    for (size_t i = 1; i < n; ++i)
+        for (size_t j = i; j > 0 && key[j] < key[j - 1]; --j) {
+            std::swap(key[j], key[j - 1]);
+            std::swap(split[j], split[j - 1]);
+        }
 }
 
 } // namespace qor::boolean

@@ -7,7 +7,7 @@
 #include "toolkit/booleanpieces.h"
 
 #include <cmath>
-#include <memory>
+#include <numeric>
 #include <utility>
 #include <vector>
 
@@ -38,21 +38,23 @@ bool modest(const AcArray<AcGePoint2d>& pts) {
 struct Operand {
     AcArray<AcGePoint2d> polygon;
     std::vector<Edge> edges;
-    std::unique_ptr<EdgeGrid> grid;
+    EdgeGrid grid;
+    bool indexed = false;
 
-    void prepare(bool indexed) {
+    void prepare(bool withGrid) {
         edges = edgeTable(polygon);
-        if (!indexed) return;
-        grid = std::make_unique<EdgeGrid>();
-        grid->build(edges);
+        indexed = withGrid;
+        if (indexed) grid.build(edges);
     }
+    // Null when not indexed.
+    EdgeGrid* index() { return indexed ? &grid : nullptr; }
 };
 
 class Engine {
 public:
-    Engine(Operand& a, Operand& b, bool indexed) : mA(a), mB(b), mPieces(indexed) {
+    Engine(Operand& a, Operand& b) : mA(a), mB(b) {
         // Most edges give one piece or none; crossings add a few.
-        mPieces.reserve(a.polygon.length() + b.polygon.length() + 16);
+        mPieces.reserve(static_cast<size_t>(a.polygon.length() + b.polygon.length() + 16));
     }
 
     void run(int op) {
@@ -72,46 +74,45 @@ public:
         }
     }
 
-    const PieceList& pieces() const { return mPieces; }
+    // The pieces the pass rules kept, in order, repeats included.
+    const std::vector<Piece>& pieces() const { return mPieces; }
 
 private:
     // The edges of `own` against `other`, keeping pieces by `rule` and switch `sw`.
     void pass(const Operand& own, Operand& other, Rule rule, int sw, int passNo) {
-        PolygonLocator locator(other.polygon, other.edges, other.grid.get());
+        EdgeGrid* grid = other.index();
+        PolygonLocator locator(other.polygon, other.edges, grid);
         const int n = own.polygon.length();
-        const int m = static_cast<int>(other.edges.size());
-        std::vector<int> all;
-        if (!other.grid)
-            for (int k = 0; k < m; ++k)
-                all.push_back(k);
-        std::vector<int> candidates;
-        std::vector<std::int32_t> vertexClass(static_cast<size_t>(n));
-        vertexClass[0] = classOf(locator.locate(own.polygon[0]));
+        if (!grid) {
+            mCandidates.resize(other.edges.size());
+            std::iota(mCandidates.begin(), mCandidates.end(), 0);
+        }
+        const std::int32_t firstClass = classOf(locator.locate(own.polygon[0]));
+        std::int32_t startClass = firstClass;
         for (int i = 0; i < n; ++i) {
             const Edge& e = own.edges[static_cast<size_t>(i)];
-            if (other.grid) other.grid->alongSegment(e, candidates);
+            if (grid) grid->alongSegment(e, mCandidates);
             // Each vertex ends one edge and starts the next. No edge of the other polygon
             // comes within its margin of this edge, so the edge crosses none and its end is
             // near none: the end lies on the same side as the start.
-            const size_t next = static_cast<size_t>((i + 1) % n);
-            if (next != 0) {
-                const std::int32_t start = vertexClass[static_cast<size_t>(i)];
-                vertexClass[next] =
-                    other.grid && candidates.empty() && !isBoundary(start)
-                        ? start
-                        : classOf(locator.locate(own.polygon[static_cast<int>(next)]));
-            }
-            mSplit.clear();
-            mSplit.push_back({e.x1, e.y1, vertexClass[static_cast<size_t>(i)]});
-            mSplit.push_back({e.x2, e.y2, vertexClass[next]});
-            for (int k : other.grid ? candidates : all)
+            const int next = (i + 1) % n;
+            std::int32_t endClass = firstClass;
+            if (next != 0)
+                endClass = grid && mCandidates.empty() && !isBoundary(startClass)
+                               ? startClass
+                               : classOf(locator.locate(own.polygon[next]));
+            mSplit.resize(2);
+            mSplit[0] = {e.x1, e.y1, startClass};
+            mSplit[1] = {e.x2, e.y2, endClass};
+            startClass = endClass;
+            for (int k : mCandidates)
                 addMeetings(e, other.edges[static_cast<size_t>(k)], mSplit);
             sortAlong(e, mSplit);
             for (size_t s = 0; s + 1 < mSplit.size(); ++s) {
                 const SplitPoint& p = mSplit[s];
                 const SplitPoint& q = mSplit[s + 1];
                 if (keeps(rule, sw, p, q, locator))
-                    mPieces.add(AcGePoint2d(p.x, p.y), AcGePoint2d(q.x, q.y), passNo);
+                    mPieces.push_back({AcGePoint2d(p.x, p.y), AcGePoint2d(q.x, q.y), passNo});
             }
         }
     }
@@ -150,29 +151,26 @@ private:
 
     Operand& mA;
     Operand& mB;
-    PieceList mPieces;
+    std::vector<Piece> mPieces;
     std::vector<SplitPoint> mSplit;
+    std::vector<int> mCandidates; // the edges of the other polygon that can meet the current one
 };
 
 } // namespace
 
 void cleanPolygon(AcArray<AcGePoint2d>& pts) {
     // A vertex goes when it is close to the vertex after it; until the walk reaches the last
-    // vertex nothing after the current one has gone, so the successor is the original one. The
-    // last vertex is compared with the first that stayed.
+    // vertex nothing after the current one has moved, so the successor is the original one. The
+    // last vertex is compared with the first that stayed, by then moved to the front (or with
+    // itself when none did). The vertices that stay move down in place.
     const int n = pts.length();
     if (n == 0) return;
-    std::vector<char> gone(static_cast<size_t>(n), 0);
+    int kept = 0;
     for (int i = 0; i + 1 < n; ++i)
-        gone[static_cast<size_t>(i)] = closerThan(pts[i], pts[i + 1], kCleanTol);
-    int first = 0;
-    while (first < n - 1 && gone[static_cast<size_t>(first)])
-        ++first;
-    gone[static_cast<size_t>(n - 1)] = closerThan(pts[n - 1], pts[first], kCleanTol);
-    AcArray<AcGePoint2d> kept(n);
-    for (int i = 0; i < n; ++i)
-        if (!gone[static_cast<size_t>(i)]) kept.append(pts[i]);
-    pts = kept;
+        if (!closerThan(pts[i], pts[i + 1], kCleanTol)) pts[kept++] = pts[i];
+    const AcGePoint2d& first = kept > 0 ? pts[0] : pts[n - 1];
+    if (!closerThan(pts[n - 1], first, kCleanTol)) pts[kept++] = pts[n - 1];
+    pts.setLogicalLength(kept);
 }
 
 int booleanLoops(AcArray<AcGePoint2d> a, AcArray<AcGePoint2d> b, int op, AcArray<int>& counts,
@@ -187,12 +185,12 @@ int booleanLoops(AcArray<AcGePoint2d> a, AcArray<AcGePoint2d> b, int op, AcArray
     if (a.length() < 3 || b.length() < 3) return 0;
 
     const bool indexed = options.indexed && modest(a) && modest(b);
-    Operand opA{std::move(a), {}, nullptr}, opB{std::move(b), {}, nullptr};
+    Operand opA{std::move(a), {}, {}, false}, opB{std::move(b), {}, {}, false};
     opA.prepare(indexed);
     opB.prepare(indexed);
-    Engine engine(opA, opB, indexed);
+    Engine engine(opA, opB);
     engine.run(op);
-    return assembleLoops(engine.pieces(), counts, pts) > 0 ? 1 : 0;
+    return assembleLoops(engine.pieces(), indexed, counts, pts) > 0 ? 1 : 0;
 }
 
 } // namespace qor::boolean

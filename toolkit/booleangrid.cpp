@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace qor::boolean {
 
@@ -19,11 +20,11 @@ void EdgeGrid::build(const std::vector<Edge>& edges) {
     mGeneration = 0;
     double xmin = kInfinity, xmax = -kInfinity, ymin = kInfinity, ymax = -kInfinity, big = 0.0;
     for (const Edge& e : edges) {
-        xmin = std::min({xmin, e.x1, e.x2});
-        xmax = std::max({xmax, e.x1, e.x2});
-        ymin = std::min({ymin, e.y1, e.y2});
-        ymax = std::max({ymax, e.y1, e.y2});
-        big = std::max({big, std::fabs(e.x1), std::fabs(e.y1)});
+        xmin = std::min(std::min(xmin, e.x1), e.x2);
+        xmax = std::max(std::max(xmax, e.x1), e.x2);
+        ymin = std::min(std::min(ymin, e.y1), e.y2);
+        ymax = std::max(std::max(ymax, e.y1), e.y2);
+        big = std::max(std::max(big, std::fabs(e.x1)), std::fabs(e.y1));
     }
     if (m == 0) xmin = xmax = ymin = ymax = 0.0;
     const double extent = std::max(xmax - xmin, ymax - ymin);
@@ -62,23 +63,23 @@ void EdgeGrid::build(const std::vector<Edge>& edges) {
     mY0 = mYmin;
     mSlack = 1e-7 * side + 1e-13 * (big + 1.0);
 
+    // One walk over each edge's cells counts them and notes the visits; the counts, summed so
+    // that mStart[c] is where cell c's list ends, then take the visits from the last, each list
+    // filling from its end down to its start, in edge order.
     const size_t total = static_cast<size_t>(mNx) * static_cast<size_t>(mNy);
     mStart.assign(total + 1, 0);
-    for (size_t i = 0; i < m; ++i)
-        forEachCell(edges[i], mMargin[i] + mSlack,
-                    [&](int c) { ++mStart[static_cast<size_t>(c)]; });
-    int sum = 0;
-    for (size_t c = 0; c <= total; ++c) {
-        const int n = mStart[c];
-        mStart[c] = sum;
-        sum += n;
-    }
-    mItems.assign(static_cast<size_t>(sum), 0);
-    std::vector<int> fill(mStart.begin(), mStart.end() - 1);
+    std::vector<std::pair<int, int>> visits; // cell, edge
+    visits.reserve(4 * m + 16);
     for (size_t i = 0; i < m; ++i)
         forEachCell(edges[i], mMargin[i] + mSlack, [&](int c) {
-            mItems[static_cast<size_t>(fill[static_cast<size_t>(c)]++)] = static_cast<int>(i);
+            ++mStart[static_cast<size_t>(c)];
+            visits.push_back({c, static_cast<int>(i)});
         });
+    for (size_t c = 1; c <= total; ++c)
+        mStart[c] += mStart[c - 1];
+    mItems.resize(static_cast<size_t>(mStart[total]));
+    for (auto v = visits.rbegin(); v != visits.rend(); ++v)
+        mItems[static_cast<size_t>(--mStart[static_cast<size_t>(v->first)])] = v->second;
 }
 
 bool EdgeGrid::covers(double x, double y) const {
@@ -172,15 +173,14 @@ void EdgeGrid::alongSegment(const Edge& s, std::vector<int>& out) {
             if (mStamp[k] == mGeneration) out.push_back(static_cast<int>(k));
         return;
     }
-    std::sort(out.begin(), out.end());
-}
-
-void EdgeGrid::rightOf(double x, double y, std::vector<int>& out) {
-    out.clear();
-    nextStamp();
-    const int j = row(y);
-    for (int c = column(x); c < mNx; ++c)
-        collect(j * mNx + c, out);
+    // Mostly a handful: an insertion sort saves the general sort's set-up.
+    if (out.size() > 16) {
+        std::sort(out.begin(), out.end());
+        return;
+    }
+    for (size_t i = 1; i < out.size(); ++i)
+        for (size_t j = i; j > 0 && out[j] < out[j - 1]; --j)
+            std::swap(out[j], out[j - 1]);
 }
 
 } // namespace qor::boolean

@@ -4,7 +4,6 @@
 
 #include "toolkit/booleanedges.h"
 
-#include <cmath>
 #include <cstdint>
 #include <vector>
 
@@ -23,15 +22,31 @@ public:
 
     // The edges listed in the cells the segment passes through, ascending, each once.
     void alongSegment(const Edge& s, std::vector<int>& out);
-    // The edges listed in p's cell and in the cells to its right in the same row, each once.
-    void rightOf(double x, double y, std::vector<int>& out);
+    // Calls fn(edge) for every edge listed in p's cell and in the cells to its right in the same
+    // row, each once, until a call returns true; returns whether one did.
+    template <class Fn> bool anyRightOf(double x, double y, Fn&& fn) {
+        nextStamp();
+        const int j = row(y);
+        for (int c = column(x); c < mNx; ++c) {
+            const size_t cell = static_cast<size_t>(j * mNx + c);
+            for (int i = mStart[cell]; i < mStart[cell + 1]; ++i) {
+                const int edge = mItems[static_cast<size_t>(i)];
+                std::uint32_t& stamp = mStamp[static_cast<size_t>(edge)];
+                if (stamp == mGeneration) continue;
+                stamp = mGeneration;
+                if (fn(edge)) return true;
+            }
+        }
+        return false;
+    }
 
 private:
     int column(double x) const { return cell(x - mX0, mNx); }
     int row(double y) const { return cell(y - mY0, mNy); }
-    // Clamped to the grid, as are values that are not numbers.
+    // Clamped to the grid, as are values that are not numbers. From 0 up, truncation is the
+    // floor, and the floor reaches `count` exactly when the value does.
     int cell(double offset, int count) const {
-        const double t = std::floor(offset * mInverse);
+        const double t = offset * mInverse;
         if (!(t >= 0.0)) return 0;
         return t >= count ? count - 1 : static_cast<int>(t);
     }

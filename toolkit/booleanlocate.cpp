@@ -33,9 +33,8 @@ int PolygonLocator::locate(const AcGePoint2d& p) {
     if (!mGrid || !std::isfinite(p.x) || !std::isfinite(p.y)) return M_PtInPolygon(p, mPolygon);
     // Beyond every margin nothing is near and the outline winds round nothing.
     if (!mGrid->covers(p.x, p.y)) return -1;
-    mGrid->rightOf(p.x, p.y, mCandidates);
     int beyond = 0;
-    for (int k : mCandidates) {
+    const bool onBoundary = mGrid->anyRightOf(p.x, p.y, [&](int k) {
         const Edge& e = mEdges[static_cast<size_t>(k)];
         const double m = mGrid->margin(k);
         const bool near = p.x >= std::min(e.x1, e.x2) - m && p.x <= std::max(e.x1, e.x2) + m &&
@@ -44,20 +43,22 @@ int PolygonLocator::locate(const AcGePoint2d& p) {
             const double dx1 = e.x1 - p.x, dy1 = e.y1 - p.y, dx2 = e.x2 - p.x, dy2 = e.y2 - p.y;
             // Both ends to the left, or both above, or both clearly below: the two directions
             // lie within a half turn of each other without passing +x.
-            if (dx1 < 0.0 && dx2 < 0.0) continue;
-            if (dy1 > 0.0 && dy2 > 0.0) continue;
-            if (dy1 < 0.0 && dy2 < 0.0 && !onRay(dx1, dy1) && !onRay(dx2, dy2)) continue;
+            if (dx1 < 0.0 && dx2 < 0.0) return false;
+            if (dy1 > 0.0 && dy2 > 0.0) return false;
+            if (dy1 < 0.0 && dy2 < 0.0 && !onRay(dx1, dy1) && !onRay(dx2, dy2)) return false;
         }
         // Edge k is the test's term for vertex k + 1, whose predecessor is vertex k.
         const AcGePoint2d from(e.x1, e.y1), to(e.x2, e.y2);
         const double d = M_Angle(p, from) - M_Angle(p, to);
-        if (p.distanceTo(to) < kOnTol) return 0;
-        if (std::fabs(std::fabs(d) - kPi) < kOnTol) return 0;
+        if (p.distanceTo(to) < kOnTol) return true;
+        if (std::fabs(std::fabs(d) - kPi) < kOnTol) return true;
         if (d > kPi)
             ++beyond;
         else if (d < -kPi)
             --beyond;
-    }
+        return false;
+    });
+    if (onBoundary) return 0;
     return beyond == 1 || beyond == -1 ? 1 : -1;
 }
 

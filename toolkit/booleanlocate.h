@@ -21,7 +21,6 @@ private:
     const AcArray<AcGePoint2d>& mPolygon;
     const std::vector<Edge>& mEdges;
     EdgeGrid* mGrid;
-    std::vector<int> mCandidates;
 };
 
 } // namespace qor::boolean
