@@ -23,8 +23,51 @@ constexpr std::uint32_t kSine[64] = {
     0xf4292244, 0x432aff97, 0xab9423a7, 0xfc93a039, 0x655b59c3, 0x8f0ccc92, 0xffeff47d, 0x85845dd1,
     0x6fa87e4f, 0xfe2ce6e0, 0xa3014314, 0x4e0811a1, 0xf7537e82, 0xbd3af235, 0x2ad7d2bb, 0xeb86d391};
 
+// Which message word each step reads: i, 5i + 1, 3i + 5 and 7i (mod 16) in the four rounds.
+constexpr int kWord[64] = {0, 1, 2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 14, 15,
+                           1, 6, 11, 0,  5,  10, 15, 4,  9,  14, 3,  8,  13, 2,  7,  12,
+                           5, 8, 11, 14, 1,  4,  7,  10, 13, 0,  3,  6,  9,  12, 15, 2,
+                           0, 7, 14, 5,  12, 3,  10, 1,  8,  15, 6,  13, 4,  11, 2,  9};
+
 std::uint32_t rotl(std::uint32_t x, std::uint32_t n) {
     return (x << n) | (x >> (32 - n));
+}
+
+struct RoundF {
+    static std::uint32_t mix(std::uint32_t b, std::uint32_t c, std::uint32_t d) {
+        return (b & c) | (~b & d);
+    }
+};
+struct RoundG {
+    static std::uint32_t mix(std::uint32_t b, std::uint32_t c, std::uint32_t d) {
+        return (d & b) | (~d & c);
+    }
+};
+struct RoundH {
+    static std::uint32_t mix(std::uint32_t b, std::uint32_t c, std::uint32_t d) {
+        return b ^ c ^ d;
+    }
+};
+struct RoundI {
+    static std::uint32_t mix(std::uint32_t b, std::uint32_t c, std::uint32_t d) {
+        return c ^ (b | ~d);
+    }
+};
+
+// The sixteen steps of one round, each with its own mixing function: one function per round
+// rather than a test per step lets the compiler unroll the steps into straight code.
+template <class Round>
+void round16(int first, const std::uint32_t m[16], std::uint32_t& a, std::uint32_t& b,
+             std::uint32_t& c, std::uint32_t& d) {
+#pragma GCC unroll 16
+    for (int i = first; i < first + 16; ++i) {
+        const std::uint32_t next =
+            b + rotl(a + Round::mix(b, c, d) + kSine[i] + m[kWord[i]], kShift[i]);
+        a = d;
+        d = c;
+        c = b;
+        b = next;
+    }
 }
 
 } // namespace
@@ -37,28 +80,10 @@ void CMD5Checksum::Transform(const std::uint8_t block[64]) {
         m[i] = block[i * 4] | (block[i * 4 + 1] << 8) | (block[i * 4 + 2] << 16) |
                (static_cast<std::uint32_t>(block[i * 4 + 3]) << 24);
     std::uint32_t a = m_lMD5[0], b = m_lMD5[1], c = m_lMD5[2], d = m_lMD5[3];
-    for (int i = 0; i < 64; ++i) {
-        std::uint32_t f;
-        int g;
-        if (i < 16) {
-            f = (b & c) | (~b & d);
-            g = i;
-        } else if (i < 32) {
-            f = (d & b) | (~d & c);
-            g = (5 * i + 1) % 16;
-        } else if (i < 48) {
-            f = b ^ c ^ d;
-            g = (3 * i + 5) % 16;
-        } else {
-            f = c ^ (b | ~d);
-            g = (7 * i) % 16;
-        }
-        const std::uint32_t next = b + rotl(a + f + kSine[i] + m[g], kShift[i]);
-        a = d;
-        d = c;
-        c = b;
-        b = next;
-    }
+    round16<RoundF>(0, m, a, b, c, d);
+    round16<RoundG>(16, m, a, b, c, d);
+    round16<RoundH>(32, m, a, b, c, d);
+    round16<RoundI>(48, m, a, b, c, d);
     m_lMD5[0] += a;
     m_lMD5[1] += b;
     m_lMD5[2] += c;
@@ -72,6 +97,13 @@ void CMD5Checksum::Update(const std::uint8_t* data, std::size_t length) {
     m_nCount[0] = static_cast<std::uint32_t>(bits);
     m_nCount[1] = static_cast<std::uint32_t>(bits >> 32);
     while (length > 0) {
+        // Whole blocks are read where they lie; only the pieces go through the buffer.
+        if (used == 0 && length >= 64) {
+            Transform(data);
+            data += 64;
+            length -= 64;
+            continue;
+        }
         const std::size_t take = std::min(length, 64 - used);
         std::memcpy(m_lpszBuffer + used, data, take);
         used += take;

@@ -33,6 +33,25 @@ TEST(Md5, PaddingAtTheBlockBoundaries) {
     EXPECT_EQ(pieces.Final(), CString(L"014842d480b571495a4a0363793f7367"));
 }
 
+TEST(Md5, WholeBlocksAndPiecesInAnyMixGiveOneDigest) {
+    // A million 'a's (the long test vector), fed whole and in runs that leave the buffer part
+    // full before, between and after whole blocks.
+    const std::string text(1000000, 'a');
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+    const CString want(L"7707d6ae4e027c70eea2a935c2296f21");
+    CMD5Checksum whole;
+    whole.Update(bytes, text.size());
+    EXPECT_EQ(whole.Final(), want);
+    CMD5Checksum runs;
+    size_t at = 0;
+    for (size_t step : {1, 63, 64, 65, 130, 7, 4096}) {
+        runs.Update(bytes + at, step);
+        at += step;
+    }
+    runs.Update(bytes + at, text.size() - at);
+    EXPECT_EQ(runs.Final(), want);
+}
+
 TEST(Md5, DigestsTheAnsiBytesWithinTheBufferLimit) {
     EXPECT_EQ(M_GetMD5(L"中文", 32), CString(L"bcce109775e8e1972e9f5fcda3e12895"));
     // 129 characters take 258 bytes and the terminator: they fit. One more does not, and the
