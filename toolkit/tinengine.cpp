@@ -30,39 +30,43 @@ struct Xy {
 };
 
 // Works on points numbered by their place in the sorted order, so that each half of the
-// recursion reads a contiguous stretch of memory.
+// recursion reads a contiguous stretch of memory. Edges are numbered e and stored as the
+// half-edges 2e (made from u to v) and 2e + 1.
 class Builder {
 public:
     Builder(const Xy* pts, int n)
-        : mPts(pts), mCap(static_cast<int>(std::min(3LL * n, static_cast<long long>(INT_MAX)))),
-          mEdges(allocate<Edge>(3LL * n)), mFree(allocate<int>(3LL * n)), mEntry(allocate<int>(n)) {
+        // Half-edge numbers, twice the edge numbers, must fit in an int.
+        : mPts(pts), mCap(static_cast<int>(std::min(3LL * n, static_cast<long long>(INT_MAX / 2)))),
+          mHalves(allocate<HalfEdge>(6LL * n)), mFree(allocate<int>(3LL * n)),
+          mEntry(allocate<int>(n)) {
         for (int i = 0; i < n; ++i)
             mEntry[i] = -1;
     }
 
     // False when the arithmetic led a walk astray; the structure is then of no use.
-    bool run(int n, int& hullEdge) {
+    // hull is the counter-clockwise hull half-edge leaving point 0.
+    bool run(int n, int& hull) {
         int rcw = -1;
-        divide(0, n - 1, hullEdge, rcw);
+        divide(0, n - 1, hull, rcw);
         return !mFailed;
     }
 
-    int edgeRecords() const { return mFresh; }
-    std::unique_ptr<Edge[]> takeEdges() { return std::move(mEdges); }
+    int halfCount() const { return 2 * mFresh; }
+    std::unique_ptr<HalfEdge[]> takeHalves() { return std::move(mHalves); }
     std::unique_ptr<int[]> takeEntry() { return std::move(mEntry); }
 
 private:
     const Xy* mPts;
     int mCap;
-    std::unique_ptr<Edge[]> mEdges;
-    std::unique_ptr<int[]> mFree; // freed records, reused first
+    std::unique_ptr<HalfEdge[]> mHalves;
+    std::unique_ptr<int[]> mFree; // freed edges, reused first
     std::unique_ptr<int[]> mEntry;
     int mFresh = 0, mFreeTop = 0;
     bool mFailed = false;
 
-    int other(int e, int v) const { return mEdges[e].end[1 - endOf(mEdges[e], v)]; }
-    int next(int e, int v) const { return mEdges[e].next[endOf(mEdges[e], v)]; }
-    int prev(int e, int v) const { return mEdges[e].prev[endOf(mEdges[e], v)]; }
+    int dest(int h) const { return mHalves[h].dest; }
+    int next(int h) const { return mHalves[h].next; }
+    int prev(int h) const { return mHalves[h].prev; }
 
     double cross(int a, int b, int c) const {
         const Xy &pa = mPts[a], &pb = mPts[b], &pc = mPts[c];
@@ -84,78 +88,77 @@ private:
         outOfMemory();
     }
 
+    // The half-edge from u to v of a new edge alone in both rings.
     int makeEdge(int u, int v) {
-        const int e = getEdge();
-        mEdges[e] = {{u, v}, {e, e}, {e, e}};
-        if (mEntry[u] < 0) mEntry[u] = e;
-        if (mEntry[v] < 0) mEntry[v] = e;
-        return e;
+        const int h = 2 * getEdge(), t = twin(h);
+        mHalves[h] = {v, h, h};
+        mHalves[t] = {u, t, t};
+        if (mEntry[u] < 0) mEntry[u] = h;
+        if (mEntry[v] < 0) mEntry[v] = t;
+        return h;
     }
 
-    // Puts the unattached edge b into the ring around v just after a.
-    void splice(int a, int b, int v) {
-        Edge& da = mEdges[a];
-        const int ea = endOf(da, v);
-        const int after = da.next[ea];
-        da.next[ea] = b;
-        Edge& df = mEdges[after];
-        df.prev[endOf(df, v)] = b;
-        Edge& db = mEdges[b];
-        const int eb = endOf(db, v);
-        db.next[eb] = after;
-        db.prev[eb] = a;
+    // Puts the unattached b into the ring round their common origin just after a.
+    void splice(int a, int b) {
+        const int after = next(a);
+        mHalves[a].next = b;
+        mHalves[after].prev = b;
+        mHalves[b].next = after;
+        mHalves[b].prev = a;
     }
 
-    // A new edge u-v; a has u as an end and b has v. On the right side it goes after a around
-    // u and before b around v; on the left side before a and after b.
+    // A new edge from a's origin u to b's origin v, returned as its half from u. On the right
+    // side it goes after a around u and before b around v; on the left side before a and after
+    // b.
     int join(int a, int u, int b, int v, Side side) {
-        const int e = makeEdge(u, v);
+        const int h = makeEdge(u, v);
         if (side == Side::left) {
-            splice(prev(a, u), e, u);
-            splice(b, e, v);
+            splice(prev(a), h);
+            splice(b, twin(h));
         } else {
-            splice(a, e, u);
-            splice(prev(b, v), e, v);
+            splice(a, h);
+            splice(prev(b), twin(h));
         }
-        return e;
+        return h;
     }
 
-    void deleteEdge(int e) {
-        const Edge d = mEdges[e];
-        for (int k = 0; k < 2; ++k)
-            if (mEntry[d.end[k]] == e) mEntry[d.end[k]] = d.next[k];
-        for (int k = 0; k < 2; ++k) {
-            const int v = d.end[k];
-            Edge& dn = mEdges[d.next[k]];
-            dn.prev[endOf(dn, v)] = d.prev[k];
-            Edge& dp = mEdges[d.prev[k]];
-            dp.next[endOf(dp, v)] = d.next[k];
-        }
-        mFree[mFreeTop++] = e;
+    void deleteEdge(int h) {
+        const int t = twin(h);
+        const HalfEdge dh = mHalves[h], dt = mHalves[t];
+        // A point whose entry goes moves it on to the next half-edge round it.
+        if (mEntry[dt.dest] == h) mEntry[dt.dest] = dh.next;
+        if (mEntry[dh.dest] == t) mEntry[dh.dest] = dt.next;
+        mHalves[dh.next].prev = dh.prev;
+        mHalves[dh.prev].next = dh.next;
+        mHalves[dt.next].prev = dt.prev;
+        mHalves[dt.prev].next = dt.next;
+        mFree[mFreeTop++] = h / 2;
     }
 
-    // Returns the counter-clockwise hull edge leaving the leftmost point and the clockwise hull
-    // edge leaving the rightmost point.
+    // Returns the counter-clockwise hull half-edge leaving the leftmost point and the clockwise
+    // hull half-edge leaving the rightmost point.
     void divide(int l, int r, int& lccw, int& rcw) {
         const int n = r - l + 1;
         if (n == 2) {
-            lccw = rcw = makeEdge(l, r);
+            lccw = makeEdge(l, r);
+            rcw = twin(lccw);
             return;
         }
         if (n == 3) {
             const int a = makeEdge(l, l + 1), b = makeEdge(l + 1, r);
-            splice(a, b, l + 1);
+            splice(twin(a), b);
             const double c = cross(l, l + 1, r);
             if (c > 0.0) {
-                join(a, l, b, r, Side::right);
+                join(a, l, twin(b), r, Side::right);
                 lccw = a;
-                rcw = b;
+                rcw = twin(b);
             } else if (c < 0.0) {
-                lccw = rcw = join(a, l, b, r, Side::left);
+                lccw = join(a, l, twin(b), r, Side::left);
+                rcw = twin(lccw);
             } else {
                 // Collinear: the chain stays open.
                 lccw = a;
-                rcw = b;
+                rcw = twin(b);
             }
             return;
         }
@@ -167,46 +170,49 @@ private:
         if (mFailed) return;
         const int base = merge(rcwL, m, lccwR, m + 1, n);
         if (mFailed) return;
-        if (mEdges[base].end[0] == l) lccwL = base;
-        if (mEdges[base].end[1] == r) rcwR = base;
+        if (dest(twin(base)) == l) lccwL = base;
+        if (dest(base) == r) rcwR = twin(base);
         lccw = lccwL;
         rcw = rcwR;
     }
 
     // Walks down both hulls from their facing points until the line between them has every
     // point on or above it. Each hull is walked one way only, so there are fewer moves than
-    // points; more means rounding has sent the walk round in circles.
+    // points; more means rounding has sent the walk round in circles. l and r come back as the
+    // tangent's hull half-edges leaving its ends ol and orr.
     void lowerTangent(int rcwL, int s, int lccwR, int u, int points, int& l, int& ol, int& r,
                       int& orr) {
         l = rcwL;
         r = lccwR;
         ol = s;
         orr = u;
-        int dl = other(l, ol), dr = other(r, orr);
+        int dl = dest(l), dr = dest(r);
         for (int moves = 0;; ++moves) {
             if (moves > points) {
                 mFailed = true;
                 return;
             }
             if (cross(ol, dl, orr) > 0.0) {
-                l = prev(l, dl);
+                l = prev(twin(l));
                 ol = dl;
-                dl = other(l, ol);
+                dl = dest(l);
             } else if (cross(orr, dr, ol) < 0.0) {
-                r = next(r, dr);
+                r = next(twin(r));
                 orr = dr;
-                dr = other(r, orr);
+                dr = dest(r);
             } else {
                 return;
             }
         }
     }
 
-    // Stitches the halves upwards from the lower tangent and returns that first base edge.
+    // Stitches the halves upwards from the lower tangent and returns that first base edge, as
+    // its half leaving the left half.
     int merge(int rcwL, int s, int lccwR, int u, int points) {
         int l, ol, r, orr;
         lowerTangent(rcwL, s, lccwR, u, points, l, ol, r, orr);
         if (mFailed) return -1;
+        // base runs from orgB on the left to destB on the right.
         int base = join(l, ol, r, orr, Side::right);
         const int tangent = base;
         int orgB = ol, destB = orr;
@@ -217,10 +223,11 @@ private:
                 mFailed = true;
                 return tangent;
             }
-            // The candidates' far ends are kept beside them: the deletions write to the edge
-            // records, so the compiler would read them again each time they are asked for.
-            int lc = next(base, orgB), rc = prev(base, destB);
-            int farL = other(lc, orgB), farR = other(rc, destB);
+            // The candidates leave orgB and destB; their far ends are kept beside them: the
+            // deletions write to the half-edge records, so the compiler would read them again
+            // each time they are asked for.
+            int lc = next(base), rc = prev(twin(base));
+            int farL = dest(lc), farR = dest(rc);
             const double crossL = crossFrom(farL, orgB, destB);
             const double crossR = crossFrom(farR, orgB, destB);
             const bool validL = crossL > 0.0, validR = crossR > 0.0;
@@ -232,8 +239,8 @@ private:
             if (validL) {
                 cotL = dotFrom(farL, orgB, destB) / crossL;
                 for (;;) {
-                    const int nx = next(lc, orgB);
-                    const int far = other(nx, orgB);
+                    const int nx = next(lc);
+                    const int far = dest(nx);
                     const double c = crossFrom(far, orgB, destB);
                     if (!(c > 0.0)) break;
                     const double cot = dotFrom(far, orgB, destB) / c;
@@ -247,8 +254,8 @@ private:
             if (validR) {
                 cotR = dotFrom(farR, orgB, destB) / crossR;
                 for (;;) {
-                    const int nx = prev(rc, destB);
-                    const int far = other(nx, destB);
+                    const int nx = prev(rc);
+                    const int far = dest(nx);
                     const double c = crossFrom(far, orgB, destB);
                     if (!(c > 0.0)) break;
                     const double cot = dotFrom(far, orgB, destB) / c;
@@ -262,10 +269,10 @@ private:
 
             // A tie goes to the left candidate.
             if (validL && (!validR || cotL <= cotR)) {
-                base = join(lc, farL, base, destB, Side::right);
+                base = join(twin(lc), farL, twin(base), destB, Side::right);
                 orgB = farL;
             } else {
-                base = join(base, orgB, rc, farR, Side::right);
+                base = join(base, orgB, twin(rc), farR, Side::right);
                 destB = farR;
             }
         }
@@ -288,9 +295,9 @@ bool planFinite(const AcArray<AcGePoint3d>& pts) {
 
 bool Network::build(const AcGePoint3d* pts, int n) {
     mPts = nullptr;
-    mCount = mEdgeRecords = 0;
+    mCount = mHalfCount = 0;
     mEntry.reset();
-    mEdges.reset();
+    mHalves.reset();
     mOrder.reset();
     mHullFrom = mHullTo = -1;
     if (!pts || n < 2) return false;
@@ -307,7 +314,7 @@ bool Network::build(const AcGePoint3d* pts, int n) {
             keys[i] = {pts[i].x, pts[i].y, i};
         {
             auto scratch = allocate<SortKey>(n);
-            mergeSortKeys(keys.get(), scratch.get(), 0, n - 1);
+            sortKeys(keys.get(), scratch.get(), n);
         }
         for (int s = 0; s < n; ++s) {
             if (s > 0 && keys[s].x == keys[s - 1].x && keys[s].y == keys[s - 1].y) {
@@ -326,11 +333,11 @@ bool Network::build(const AcGePoint3d* pts, int n) {
         return false;
     }
 
-    mEdgeRecords = builder.edgeRecords();
-    mEdges = builder.takeEdges();
+    mHalfCount = builder.halfCount();
+    mHalves = builder.takeHalves();
     mEntry = builder.takeEntry();
     mHullFrom = 0;
-    mHullTo = other(hull, 0);
+    mHullTo = dest(hull);
     mPts = pts;
     mCount = n;
     assert(isValid());
@@ -341,16 +348,15 @@ bool Network::isValid() const {
     for (int v = 0; v < mCount; ++v) {
         const int start = mEntry[v];
         if (start < 0) continue;
-        if (start >= mEdgeRecords) return false;
-        int e = start, steps = 0;
+        if (start >= mHalfCount) return false;
+        int h = start, steps = 0;
         do {
-            const Edge& d = mEdges[e];
-            if (d.end[0] != v && d.end[1] != v) return false;
-            const int nx = next(e, v);
-            if (nx < 0 || nx >= mEdgeRecords || prev(nx, v) != e) return false;
-            if (++steps > mEdgeRecords) return false;
-            e = nx;
-        } while (e != start);
+            const int nx = next(h);
+            if (dest(twin(h)) != v) return false;
+            if (nx < 0 || nx >= mHalfCount || prev(nx) != h) return false;
+            if (++steps > mHalfCount) return false;
+            h = nx;
+        } while (h != start);
     }
     return true;
 }

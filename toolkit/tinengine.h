@@ -1,5 +1,5 @@
 // The triangulation engine: a Delaunay triangulation of plan points built by divide and
-// conquer over edges with four neighbour links each, the merges decided by comparing the
+// conquer over pairs of half-edges linked round their origins, the merges decided by comparing the
 // cotangents of the angles the candidates see the base edge under.
 //
 // One network lives for one call of the toolkit's triangulation functions; nothing is kept
@@ -14,19 +14,17 @@
 
 namespace qor::tin {
 
-// An edge with its origin end[0] and destination end[1], and around each end the next and
-// previous edge counter-clockwise: next[0] and prev[0] around the origin, next[1] and prev[1]
-// around the destination. Indexing by end rather than naming the four links lets the walks
-// pick a link without a branch on which end they stand at.
-struct Edge {
-    int end[2];
-    int next[2];
-    int prev[2];
+// One direction of an edge: where it goes, and the next and previous half-edges leaving its
+// origin counter-clockwise. An edge's two halves sit side by side, h and h ^ 1, so the way back
+// is one bit away and a walk round a point never has to ask which end it stands at.
+struct HalfEdge {
+    int dest;
+    int next;
+    int prev;
 };
 
-// 0 when v is the edge's origin, 1 when it is its destination.
-inline int endOf(const Edge& d, int v) {
-    return d.end[0] == v ? 0 : 1;
+inline int twin(int h) {
+    return h ^ 1;
 }
 
 class Network {
@@ -46,12 +44,12 @@ public:
     int size() const { return mCount; }
     int id(int v) const { return mOrder[v]; }
     const AcGePoint3d& point(int v) const { return mPts[mOrder[v]]; }
-    // One edge that has v as an end, or -1 when v has none.
+    // One half-edge leaving v, or -1 when v has none.
     int entry(int v) const { return mEntry[v]; }
-    int other(int e, int v) const { return mEdges[e].end[1 - endOf(mEdges[e], v)]; }
-    // The edges around v, counter-clockwise.
-    int next(int e, int v) const { return mEdges[e].next[endOf(mEdges[e], v)]; }
-    int prev(int e, int v) const { return mEdges[e].prev[endOf(mEdges[e], v)]; }
+    int dest(int h) const { return mHalves[h].dest; }
+    // The half-edges leaving h's origin, counter-clockwise.
+    int next(int h) const { return mHalves[h].next; }
+    int prev(int h) const { return mHalves[h].prev; }
 
     // The rotation around u passing from u-v to u-w closes a triangle u, v, w both for a face
     // and, when the hull has three corners, for the outside. True for the outside.
@@ -61,17 +59,17 @@ public:
         return (u == a && v == b) || (v == a && w == b) || (w == a && u == b);
     }
 
-    // Every ring of edges closes on itself with matching forward and backward links, and every
-    // edge of a point's ring has that point as an end.
+    // Every ring of half-edges closes on itself with matching forward and backward links, and
+    // every half-edge of a point's ring leaves that point.
     bool isValid() const;
 
 private:
     const AcGePoint3d* mPts = nullptr;
     int mCount = 0;
-    int mEdgeRecords = 0;
+    int mHalfCount = 0;
     std::unique_ptr<int[]> mEntry;
     std::unique_ptr<int[]> mOrder;
-    std::unique_ptr<Edge[]> mEdges;
+    std::unique_ptr<HalfEdge[]> mHalves;
     // The hull edge leaving the leftmost point counter-clockwise: the outside lies on the left
     // of its reverse.
     int mHullFrom = -1, mHullTo = -1;

@@ -11,54 +11,81 @@ namespace {
 using qor::tin::Network;
 using qor::tin::outOfMemory;
 using qor::tin::planFinite;
+using qor::tin::twin;
 
-// Writes the pair v, w of each face reported from the point at place s to `out`, in turn
-// counter-clockwise from its entry edge, and returns the end of what it wrote: each face once,
-// from its corner first in input order, the other two in input order.
-int* facesFrom(const Network& net, int s, int* out) {
-    const int start = net.entry(s);
-    if (start < 0) return out;
-    const int u = net.id(s);
-    int e = start;
-    do {
-        const int pv = net.other(e, s), v = net.id(pv);
-        if (u < v) {
-            const int nx = net.next(e, s);
-            const int pw = net.other(nx, s), w = net.id(pw);
+// Walks the rings of the points at places first..last-1 in turn, counter-clockwise from each
+// one's entry, and collects the pair v, w of each face reported from the point: each face once,
+// from its corner first in input order, the other two in input order. It moves one half-edge a
+// step, so that several walks can take turns and the reads of one overlap the others' waits.
+class RingWalk {
+public:
+    RingWalk(const Network& net, int first, int last, size_t* runEnd)
+        : mNet(net), mS(first), mLast(last), mRunEnd(runEnd) {
+        // Fewer than two faces a point, two numbers each.
+        mPairs.reserve(static_cast<size_t>(last - first) * 4 + 64);
+        openPoint();
+    }
+
+    bool done() const { return mS >= mLast; }
+    const std::vector<int>& pairs() const { return mPairs; }
+
+    void step() {
+        const int pv = mNet.dest(mE), v = mNet.id(pv);
+        const int nx = mNet.next(mE);
+        if (mU < v) {
+            const int pw = mNet.dest(nx), w = mNet.id(pw);
             // v-w closes the turn from u-v to u-w when it is the edge after w-u around w and
-            // before u-v around v. A point with one edge sees that edge again: v == w is no
-            // triangle.
-            if (u < w && v != w && net.next(nx, pw) == net.prev(e, pv) &&
-                !net.isOuterFace(s, pv, pw)) {
-                out[0] = std::min(v, w);
-                out[1] = std::max(v, w);
-                out += 2;
+            // before u-v around v, met from each of its ends. A point with one edge sees that
+            // edge again: v == w is no triangle.
+            if (mU < w && v != w && mNet.next(twin(nx)) == twin(mNet.prev(twin(mE))) &&
+                !mNet.isOuterFace(mS, pv, pw)) {
+                mPairs.push_back(std::min(v, w));
+                mPairs.push_back(std::max(v, w));
             }
         }
-        e = net.next(e, s);
-    } while (e != start);
-    return out;
-}
+        mE = nx;
+        if (mE != mStart) return;
+        mRunEnd[mS] = mPairs.size();
+        ++mS;
+        openPoint();
+    }
 
-// Every triangle of the network, gathered in one walk over the rings in sorted order, where
-// they lie close together in memory, and handed out ordered by the input number of the point
-// each is reported from.
+private:
+    const Network& mNet;
+    int mS, mLast, mStart = -1, mE = -1, mU = -1;
+    size_t* mRunEnd; // where each point's run ends in pairs(), by place
+    std::vector<int> mPairs;
+
+    // Moves on from mS to the first point with edges, closing the empty runs of those without.
+    void openPoint() {
+        for (; mS < mLast; ++mS) {
+            mStart = mE = mNet.entry(mS);
+            if (mStart >= 0) {
+                mU = mNet.id(mS);
+                return;
+            }
+            mRunEnd[mS] = mPairs.size();
+        }
+    }
+};
+
+// Every triangle of the network, gathered by walking the rings in sorted order, where they lie
+// close together in memory, and handed out ordered by the input number of the point each is
+// reported from.
 class Triangles {
 public:
     explicit Triangles(const Network& net)
         : mNet(net), mRunStart(static_cast<size_t>(net.size()) + 1),
           mPlace(static_cast<size_t>(net.size())) {
         const int n = net.size();
-        // A planar network has fewer than 2n faces.
-        mPairs.resize(4 * static_cast<size_t>(n));
-        int* const first = mPairs.data();
-        int* out = first;
-        for (int s = 0; s < n; ++s) {
+        for (int s = 0; s < n; ++s)
             mPlace[static_cast<size_t>(net.id(s))] = s;
-            out = facesFrom(net, s, out);
-            mRunStart[static_cast<size_t>(s) + 1] = static_cast<size_t>(out - first);
-        }
-        mPairs.resize(static_cast<size_t>(out - first));
+        std::vector<RingWalk> walks;
+        walks.reserve(kWalks);
+        for (int k = 0; k < kWalks; ++k)
+            walks.emplace_back(net, stretchEnd(k - 1), stretchEnd(k), mRunStart.data() + 1);
+        walkSideBySide(walks);
+        join(walks);
     }
 
     size_t count() const { return mPairs.size() / 2; }
@@ -74,6 +101,41 @@ public:
     }
 
 private:
+    // Each walk is a chain of reads, each waiting on the one before: four stretches of the
+    // points walked side by side keep four reads in flight.
+    static constexpr int kWalks = 4;
+
+    // Where the k-th stretch of places ends; -1 for the one before the first.
+    int stretchEnd(int k) const {
+        return static_cast<int>(static_cast<long long>(mNet.size()) * (k + 1) / kWalks);
+    }
+
+    static void walkSideBySide(std::vector<RingWalk>& walks) {
+        for (bool busy = true; busy;) {
+            busy = false;
+            for (RingWalk& w : walks)
+                if (!w.done()) {
+                    w.step();
+                    busy = true;
+                }
+        }
+    }
+
+    // The stretches follow one another: their runs, joined, are in sorted order.
+    void join(const std::vector<RingWalk>& walks) {
+        size_t total = 0;
+        for (const RingWalk& w : walks)
+            total += w.pairs().size();
+        mPairs.reserve(total);
+        for (int k = 0; k < kWalks; ++k) {
+            const size_t base = mPairs.size();
+            for (int s = stretchEnd(k - 1); s < stretchEnd(k); ++s)
+                mRunStart[static_cast<size_t>(s) + 1] += base;
+            const std::vector<int>& pairs = walks[static_cast<size_t>(k)].pairs();
+            mPairs.insert(mPairs.end(), pairs.begin(), pairs.end());
+        }
+    }
+
     const Network& mNet;
     std::vector<int> mPairs;       // v, w per triangle, run after run in sorted order
     std::vector<size_t> mRunStart; // where the run of the point at place s starts in mPairs

@@ -8,10 +8,9 @@ struct SortKey {
     int id; // the point's input index
 };
 
-// Sorts p[l..r] by x, ties by y, top-down: each merge copies the left half forward and the
-// right half reversed into `scratch` (the same size as p) and merges from both ends, so neither
-// run needs an end test. Two keys with equal x and y give the right half's key first. Indices
-// stay within l..r whatever the keys hold.
-void mergeSortKeys(SortKey* p, SortKey* scratch, int l, int r);
+// Sorts p[0..n-1] by x, ties by y, using `scratch` (the same size as p). Keys with equal x and
+// y end up side by side in no particular order. Values that are not finite numbers are put
+// somewhere in the order without leaving p.
+void sortKeys(SortKey* p, SortKey* scratch, int n);
 
 } // namespace qor::tin

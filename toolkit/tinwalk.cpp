@@ -22,7 +22,7 @@ int degree(const Network& net, int v) {
     int count = 0, e = first;
     do {
         ++count;
-        e = net.next(e, v);
+        e = net.next(e);
     } while (e != first);
     return count;
 }
@@ -36,10 +36,10 @@ double reachOf(const Network& net, int v) {
     double longest = 0.0;
     int e = first;
     do {
-        const AcGePoint3d &a = net.point(v), &b = net.point(net.other(e, v));
+        const AcGePoint3d &a = net.point(v), &b = net.point(net.dest(e));
         longest =
             std::max(longest, std::sqrt((b.x - a.x) * (b.x - a.x) + (b.y - a.y) * (b.y - a.y)));
-        e = net.next(e, v);
+        e = net.next(e);
     } while (e != first);
     return 1.01 * longest + 0.002;
 }
@@ -111,10 +111,10 @@ Walker::Walker(const Network& net, const AcArray<AcGePoint3d>& input)
         if (first < 0) continue;
         int e = first;
         do {
-            const int w = net.other(e, v);
+            const int w = net.dest(e);
             *c++ = {net.point(w), M_Angle(net.point(v), net.point(w)),
                     block[static_cast<size_t>(w)], 0};
-            e = net.next(e, v);
+            e = net.next(e);
         } while (e != first);
     }
 }

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <vector>
@@ -22,38 +23,59 @@ std::vector<int> faces(const Pts& pts) {
 
 // ---------------------------------------------------------------- sort
 
-TEST(TinSort, OrdersByXThenY) {
-    std::vector<qor::tin::SortKey> keys = {{3, 1, 0}, {1, 5, 1}, {3, 0, 2}, {-2, 7, 3},
-                                           {1, 4, 4}, {0, 0, 5}, {3, 2, 6}};
+std::vector<int> sortedIds(std::vector<qor::tin::SortKey> keys) {
     std::vector<qor::tin::SortKey> scratch(keys.size());
-    qor::tin::mergeSortKeys(keys.data(), scratch.data(), 0, static_cast<int>(keys.size()) - 1);
+    qor::tin::sortKeys(keys.data(), scratch.data(), static_cast<int>(keys.size()));
     std::vector<int> ids;
     for (const auto& k : keys)
         ids.push_back(k.id);
-    EXPECT_EQ(ids, (std::vector<int>{3, 5, 4, 1, 2, 0, 6}));
+    return ids;
 }
 
-TEST(TinSort, EqualKeysTakeTheRightHalfFirst) {
-    // Two halves {0, 1} and {2, 3}: the last merge meets the equal pair 1 and 2 and takes the
-    // right half's first.
-    std::vector<qor::tin::SortKey> keys = {{0, 0, 0}, {5, 5, 1}, {5, 5, 2}, {9, 9, 3}};
-    std::vector<qor::tin::SortKey> scratch(keys.size());
-    qor::tin::mergeSortKeys(keys.data(), scratch.data(), 0, 3);
-    EXPECT_EQ(keys[1].id, 2);
-    EXPECT_EQ(keys[2].id, 1);
+TEST(TinSort, OrdersByXThenY) {
+    EXPECT_EQ(
+        sortedIds({{3, 1, 0}, {1, 5, 1}, {3, 0, 2}, {-2, 7, 3}, {1, 4, 4}, {0, 0, 5}, {3, 2, 6}}),
+        (std::vector<int>{3, 5, 4, 1, 2, 0, 6}));
+    EXPECT_TRUE(sortedIds({}).empty());
+    EXPECT_EQ(sortedIds({{1, 1, 0}}), std::vector<int>{0});
+}
+
+// Enough keys for the counting sort, with negative and positive zero, negative numbers, numbers
+// far apart in size and runs of equal x: the same order as comparing x, then y.
+TEST(TinSort, LongListsMatchTheComparison) {
+    std::vector<qor::tin::SortKey> keys;
+    const double xs[] = {-0.0, 0.0, -1e300, 1e300, -3.5, 2.25, 1e-300, -1e-300, 7.0};
+    for (int i = 0; i < 3000; ++i) {
+        const double x =
+            i % 3 ? xs[(i * 7) % 9] : std::ldexp(double((i * 7919) % 1000) - 500.0, i % 40 - 20);
+        keys.push_back({x, double((i * 104729) % 3001) - 1500.0, i});
+    }
+    std::vector<qor::tin::SortKey> expected = keys;
+    std::sort(expected.begin(), expected.end(),
+              [](const auto& a, const auto& b) { return a.x < b.x || (a.x == b.x && a.y < b.y); });
+    const std::vector<int> ids = sortedIds(keys);
+    ASSERT_EQ(ids.size(), expected.size());
+    for (size_t k = 0; k < ids.size(); ++k) {
+        const auto& got = keys[static_cast<size_t>(ids[k])];
+        EXPECT_EQ(got.x, expected[k].x) << k;
+        EXPECT_EQ(got.y, expected[k].y) << k;
+    }
 }
 
 TEST(TinSort, KeysThatAreNotNumbersStayInRange) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
-    std::vector<qor::tin::SortKey> keys;
-    for (int i = 0; i < 37; ++i)
-        keys.push_back({i % 3 ? nan : double(i), i % 5 ? double(i) : nan, i});
-    std::vector<qor::tin::SortKey> scratch(keys.size());
-    qor::tin::mergeSortKeys(keys.data(), scratch.data(), 0, 36);
-    std::vector<int> seen(37, 0);
-    for (const auto& k : keys)
-        ++seen[k.id];
-    EXPECT_EQ(seen, std::vector<int>(37, 1)); // a permutation: nothing lost or doubled
+    const double inf = std::numeric_limits<double>::infinity();
+    for (int n : {37, 600}) {
+        std::vector<qor::tin::SortKey> keys;
+        for (int i = 0; i < n; ++i)
+            keys.push_back(
+                {i % 3 ? nan : (i % 2 ? -inf : double(i % 4)), i % 5 ? double(i) : nan, i});
+        std::vector<int> seen(static_cast<size_t>(n), 0);
+        for (int id : sortedIds(keys))
+            ++seen[static_cast<size_t>(id)];
+        EXPECT_EQ(seen, std::vector<int>(static_cast<size_t>(n), 1))
+            << n; // nothing lost or doubled
+    }
 }
 
 // ---------------------------------------------------------------- small networks
