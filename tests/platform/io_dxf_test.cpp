@@ -1036,7 +1036,7 @@ const std::string kHead = "  0\nSECTION\n  2\nENTITIES\n";
 TEST_F(Dxf, DamagedOrTruncatedFilesNameTheLine) {
     const std::vector<Damage> cases = {
         {"empty", "", 1, L"the file is empty"},
-        {"binary", std::string("AutoCAD Binary DXF\r\n\x1a\0", 22), 1, L"binary DXF"},
+        {"binary", std::string("Program Binary DXF\r\n\x1a\0", 22), 1, L"binary DXF"},
         {"no section", kLine, 1, L"expected 0 SECTION, found 0 \"LINE\""},
         {"code is text", kHead + "  0\nLINE\nxx\n0\n", 7, L"expected a group code, found \"xx\""},
         {"real is text", kHead + "  0\nLINE\n 10\nabc\n", 8, L"group 10 needs a number"},

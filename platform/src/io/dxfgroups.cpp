@@ -118,7 +118,8 @@ void fail(int line, const std::wstring& message) {
 std::vector<Group> splitGroups(std::string_view bytes) {
     // A byte-order mark is not part of the first line.
     if (bytes.substr(0, 3) == "\xEF\xBB\xBF") bytes.remove_prefix(3);
-    if (bytes.substr(0, 18) == "AutoCAD Binary DXF")
+    // The binary form starts with a 22-byte sentinel: a seven-letter program name, then this.
+    if (bytes.size() >= 22 && bytes.substr(7, 15) == std::string_view(" Binary DXF\r\n\x1a\0", 15))
         fail(1, L"binary DXF files are not supported; save the drawing as ASCII DXF");
 
     std::vector<Group> groups;
