@@ -70,21 +70,9 @@ bool Canvas::open(const AcGiRenderSetup& setup, std::wstring& error) {
 }
 
 bool Canvas::snapshot(AcGiRenderImage& image) const {
-    if (!mSurface || cairo_surface_get_type(mSurface) != CAIRO_SURFACE_TYPE_IMAGE) return false;
+    if (!mSurface) return false;
     cairo_surface_flush(mSurface);
-    const int w = cairo_image_surface_get_width(mSurface);
-    const int h = cairo_image_surface_get_height(mSurface);
-    const int stride = cairo_image_surface_get_stride(mSurface);
-    const unsigned char* data = cairo_image_surface_get_data(mSurface);
-    image.reset(w, h);
-    for (int y = 0; y < h; ++y) {
-        const auto* src =
-            reinterpret_cast<const std::uint32_t*>(data + static_cast<size_t>(y) * stride);
-        std::uint32_t* dst = image.row(y);
-        for (int x = 0; x < w; ++x)
-            dst[x] = src[x] | 0xFF000000u; // RGB24 leaves the top byte undefined
-    }
-    return true;
+    return copyPixels(mSurface, image);
 }
 
 bool Canvas::finish(std::wstring& error) {

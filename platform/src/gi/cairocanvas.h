@@ -11,6 +11,10 @@
 
 namespace qorrender {
 
+// Copies an image surface (RGB24 or ARGB32) into the picture, alpha undone; false for any other
+// surface.
+bool copyPixels(cairo_surface_t* surface, AcGiRenderImage& image);
+
 class Canvas {
 public:
     Canvas() = default;

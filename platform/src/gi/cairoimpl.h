@@ -3,6 +3,7 @@
 
 #include "cairocanvas.h"
 #include "girender.h"
+#include "gishapes.h"
 #include "renderclip.h"
 #include "renderstyle.h"
 
@@ -80,15 +81,11 @@ struct Pen {
     double dashScale = 1.0; // device units per pattern unit
 };
 
-// The circle through three points; false when they are (nearly) on one line.
-bool circleThrough(const AcGePoint3d& p1, const AcGePoint3d& p2, const AcGePoint3d& p3,
-                   AcGePoint3d& center, double& radius, AcGeVector3d& normal);
+using qorgi::circleThrough;
+using qorgi::finite;
 
 // Two unit vectors spanning the plane of a normal, right-handed with it.
 void planeAxes(const AcGeVector3d& normal, AcGeVector3d& u, AcGeVector3d& v);
-
-bool finite(const AcGePoint3d& p);
-bool finite(const AcGeVector3d& v);
 
 } // namespace qorrender
 

@@ -1,4 +1,5 @@
 // Pictures in memory, and PNG files read back into them.
+#include "cairocanvas.h"
 #include "girender.h"
 
 #include "winstr.h"
@@ -37,6 +38,27 @@ std::uint32_t unpremultiplied(std::uint32_t p) {
 
 } // namespace
 
+bool qorrender::copyPixels(cairo_surface_t* surface, AcGiRenderImage& image) {
+    if (cairo_surface_get_type(surface) != CAIRO_SURFACE_TYPE_IMAGE) return false;
+    const cairo_format_t format = cairo_image_surface_get_format(surface);
+    if (format != CAIRO_FORMAT_ARGB32 && format != CAIRO_FORMAT_RGB24) return false;
+    const int w = cairo_image_surface_get_width(surface);
+    const int h = cairo_image_surface_get_height(surface);
+    const int stride = cairo_image_surface_get_stride(surface);
+    const unsigned char* data = cairo_image_surface_get_data(surface);
+    image.reset(w, h);
+    for (int y = 0; y < h; ++y) {
+        const auto* src =
+            reinterpret_cast<const std::uint32_t*>(data + static_cast<size_t>(y) * stride);
+        std::uint32_t* dst = image.row(y);
+        // RGB24 leaves the top byte undefined.
+        for (int x = 0; x < w; ++x)
+            dst[x] =
+                format == CAIRO_FORMAT_RGB24 ? (src[x] | 0xFF000000u) : unpremultiplied(src[x]);
+    }
+    return true;
+}
+
 bool acgiReadPng(const ACHAR* path, AcGiRenderImage& image, std::wstring& error) {
     const std::wstring name = path ? path : L"";
     std::FILE* file = std::fopen(qorToUtf8(name).c_str(), "rb");
@@ -53,19 +75,7 @@ bool acgiReadPng(const ACHAR* path, AcGiRenderImage& image, std::wstring& error)
         cairo_surface_destroy(surface);
         return false;
     }
-    const int w = cairo_image_surface_get_width(surface);
-    const int h = cairo_image_surface_get_height(surface);
-    const int stride = cairo_image_surface_get_stride(surface);
-    const unsigned char* data = cairo_image_surface_get_data(surface);
-    image.reset(w, h);
-    for (int y = 0; y < h; ++y) {
-        const auto* src =
-            reinterpret_cast<const std::uint32_t*>(data + static_cast<size_t>(y) * stride);
-        std::uint32_t* dst = image.row(y);
-        for (int x = 0; x < w; ++x)
-            dst[x] =
-                format == CAIRO_FORMAT_RGB24 ? (src[x] | 0xFF000000u) : unpremultiplied(src[x]);
-    }
+    qorrender::copyPixels(surface, image);
     cairo_surface_destroy(surface);
     return true;
 }

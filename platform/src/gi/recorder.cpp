@@ -1,6 +1,7 @@
 // The recording back-end: every primitive becomes an item with copies of its data and of the
 // traits in force.
 #include "girecorder.h"
+#include "gishapes.h"
 
 #include "dbents.h"
 
@@ -192,12 +193,8 @@ const AcGeMatrix3d& AcGiRecorder::modelToWorld() const {
 
 namespace {
 
-bool finite(const AcGePoint3d& p) {
-    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
-}
-bool finite(const AcGeVector3d& v) {
-    return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
-}
+using qorgi::circleThrough;
+using qorgi::finite;
 
 AcGePoint3d xformPoint(const AcGeMatrix3d& m, AcGePoint3d p) {
     return p.transformBy(m);
@@ -334,27 +331,6 @@ Adesk::Boolean AcGiRecorderGeometry::circle(const AcGePoint3d& center, double ra
     item.numbers.append(radius * scale);
     return mOwner->regenAbort();
 }
-
-namespace {
-
-// The circle through three points; false when they are (nearly) on one line.
-bool circleThrough(const AcGePoint3d& p1, const AcGePoint3d& p2, const AcGePoint3d& p3,
-                   AcGePoint3d& center, double& radius, AcGeVector3d& normal) {
-    if (!finite(p1) || !finite(p2) || !finite(p3)) return false;
-    const AcGeVector3d a = p2 - p1, b = p3 - p1;
-    const AcGeVector3d n = a.crossProduct(b);
-    const double n2 = n.lengthSqrd();
-    const double scale2 = std::max(a.lengthSqrd(), b.lengthSqrd());
-    if (!(n2 > 1e-24 * scale2 * scale2)) return false;
-    const AcGeVector3d offset =
-        (b.crossProduct(n) * a.lengthSqrd() + n.crossProduct(a) * b.lengthSqrd()) / (2.0 * n2);
-    center = p1 + offset;
-    radius = offset.length();
-    normal = n / std::sqrt(n2);
-    return true;
-}
-
-} // namespace
 
 Adesk::Boolean AcGiRecorderGeometry::circle(const AcGePoint3d& p1, const AcGePoint3d& p2,
                                             const AcGePoint3d& p3) const {

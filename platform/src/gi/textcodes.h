@@ -1,6 +1,6 @@
 // The characters a text shows once its %% control codes are decoded, with the over-, under-
-// and strike-through lines in force at each. The same walk as the house text metric, so that
-// what is drawn advances exactly as much as what is measured.
+// and strike-through lines in force at each. The house text metric measures this same list, so
+// that what is drawn advances exactly as much as what is measured.
 #pragma once
 
 #include "adesk.h"

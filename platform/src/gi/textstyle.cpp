@@ -1,9 +1,9 @@
 // Text styles for drawing and the house text metric.
 #include "gi.h"
+#include "textcodes.h"
 
 #include <cmath>
 #include <cstring>
-#include <cwctype>
 
 namespace {
 
@@ -12,56 +12,13 @@ struct TextCount {
     int characters = 0;
 };
 
-// Walks the characters a text shows: len < 0 or a terminator ends it; %% codes are decoded
-// unless raw. Unknown codes lose their %% and show the character that follows.
+// The characters a text shows (%% codes decoded unless raw; unknown codes lose their %% and
+// show the character that follows), each advancing by the house metric.
 TextCount measure(const ACHAR* text, int len, bool raw) {
     TextCount count;
-    if (!text) return count;
-    auto at = [&](int i) -> ACHAR { return (len >= 0 && i >= len) ? L'\0' : text[i]; };
-    auto show = [&](wchar_t c) {
-        count.advance += qorIsFullWidthChar(c) ? 1.0 : 0.5;
+    for (const QorShownChar& shown : qorDecodeTextCodes(text, len, raw)) {
+        count.advance += qorIsFullWidthChar(shown.c) ? 1.0 : 0.5;
         ++count.characters;
-    };
-    for (int i = 0; at(i) != L'\0';) {
-        const ACHAR c = at(i);
-        if (raw || c != L'%' || at(i + 1) != L'%' || at(i + 2) == L'\0') {
-            show(c);
-            ++i;
-            continue;
-        }
-        const ACHAR code = at(i + 2);
-        switch (std::towlower(static_cast<wint_t>(code))) {
-        case L'o':
-        case L'u':
-        case L'k': // over-, underline and strike-through switches draw nothing themselves
-            i += 3;
-            break;
-        case L'd':
-            show(L'\u00B0');
-            i += 3;
-            break;
-        case L'p':
-            show(L'\u00B1');
-            i += 3;
-            break;
-        case L'c':
-            show(L'\u2300');
-            i += 3;
-            break;
-        default:
-            if (code >= L'0' && code <= L'9') {
-                int value = 0, digits = 0;
-                while (digits < 3 && at(i + 2 + digits) >= L'0' && at(i + 2 + digits) <= L'9') {
-                    value = value * 10 + (at(i + 2 + digits) - L'0');
-                    ++digits;
-                }
-                show(static_cast<wchar_t>(value));
-                i += 2 + digits;
-            } else {
-                show(code); // "%%%" shows one percent sign
-                i += 3;
-            }
-        }
     }
     return count;
 }
