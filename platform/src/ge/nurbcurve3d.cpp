@@ -10,29 +10,6 @@
 
 using geimpl::Nurbs;
 
-namespace {
-
-// One period of knots and the control points without repeats, widened to the standard form.
-void unwrapPeriodic(Nurbs& n) {
-    const int p = n.degree, cp = n.numCtrl();
-    if (cp < 1 || n.knots.size() != static_cast<size_t>(cp + 1)) return;
-    const double period = n.knots.back() - n.knots.front();
-    auto ext = [&](int j) {
-        const int q = j >= 0 ? j / cp : -((-j + cp - 1) / cp);
-        return n.knots[static_cast<size_t>(j - q * cp)] + q * period;
-    };
-    std::vector<double> k;
-    for (int i = 0; i <= cp + 2 * p; ++i)
-        k.push_back(ext(i - p));
-    for (int i = 0; i < p; ++i) {
-        n.pts.push_back(n.pts[static_cast<size_t>(i % cp)]);
-        if (n.rational()) n.weights.push_back(n.weights[static_cast<size_t>(i % cp)]);
-    }
-    n.knots = std::move(k);
-}
-
-} // namespace
-
 AcGeNurbCurve3d::AcGeNurbCurve3d() : mN(std::make_unique<Nurbs>()) {}
 
 AcGeNurbCurve3d::AcGeNurbCurve3d(const AcGeNurbCurve3d& src)
@@ -219,7 +196,7 @@ AcGeNurbCurve3d& AcGeNurbCurve3d::set(int degree, const AcGeKnotVector& knots,
     n.knots = knots.asArray().std();
     n.pts = cntrlPnts.std();
     if (!weights.isEmpty()) n.weights = weights.std();
-    if (isPeriodic && degree >= 1) unwrapPeriodic(n);
+    if (isPeriodic && degree >= 1) geimpl::unwrapPeriodic(n);
     n.dropUnitWeights();
     setNurbs(n, isPeriodic);
     return *this;

@@ -496,4 +496,22 @@ Nurbs segment(const AcGePoint3d& a, const AcGePoint3d& b, int degree) {
     return n;
 }
 
+void unwrapPeriodic(Nurbs& n) {
+    const int p = n.degree, cp = n.numCtrl();
+    if (cp < 1 || n.knots.size() != static_cast<size_t>(cp + 1)) return;
+    const double period = n.knots.back() - n.knots.front();
+    auto ext = [&](int j) {
+        const int q = j >= 0 ? j / cp : -((-j + cp - 1) / cp);
+        return n.knots[static_cast<size_t>(j - q * cp)] + q * period;
+    };
+    std::vector<double> k;
+    for (int i = 0; i <= cp + 2 * p; ++i)
+        k.push_back(ext(i - p));
+    for (int i = 0; i < p; ++i) {
+        n.pts.push_back(n.pts[static_cast<size_t>(i % cp)]);
+        if (n.rational()) n.weights.push_back(n.weights[static_cast<size_t>(i % cp)]);
+    }
+    n.knots = std::move(k);
+}
+
 } // namespace geimpl

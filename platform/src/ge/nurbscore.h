@@ -66,4 +66,9 @@ Nurbs ellipseArc(const AcGePoint3d& c, const AcGeVector3d& major, const AcGeVect
 // A straight segment of the given degree on [0, 1].
 Nurbs segment(const AcGePoint3d& a, const AcGePoint3d& b, int degree = 1);
 
+// A periodic curve given as one period of knots (control points + 1) and its control points
+// without repeats, widened to the standard form: the knots extended by the period, the first
+// degree control points repeated at the end. Other shapes are left as they are.
+void unwrapPeriodic(Nurbs& n);
+
 } // namespace geimpl

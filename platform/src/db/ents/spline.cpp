@@ -21,26 +21,6 @@ bool hasLength(const AcGeVector3d& v) {
     return v.length() > 1e-300 && std::isfinite(v.length());
 }
 
-// One period of knots widened to the standard form, with the first degree control points
-// repeated at the end.
-void unwrap(Nurbs& n) {
-    const int p = n.degree, cp = n.numCtrl();
-    if (cp < 1 || n.knots.size() != static_cast<size_t>(cp + 1)) return;
-    const double period = n.knots.back() - n.knots.front();
-    auto ext = [&](int j) {
-        const int q = j >= 0 ? j / cp : -((-j + cp - 1) / cp);
-        return n.knots[static_cast<size_t>(j - q * cp)] + q * period;
-    };
-    std::vector<double> k;
-    for (int i = 0; i <= cp + 2 * p; ++i)
-        k.push_back(ext(i - p));
-    for (int i = 0; i < p; ++i) {
-        n.pts.push_back(n.pts[static_cast<size_t>(i % cp)]);
-        if (n.rational()) n.weights.push_back(n.weights[static_cast<size_t>(i % cp)]);
-    }
-    n.knots = std::move(k);
-}
-
 } // namespace
 
 bool AcDbSplineImpl::path(const AcDbSpline& e, PathGeom& g) {
@@ -225,7 +205,7 @@ Acad::ErrorStatus AcDbSpline::setNurbsData(int degree, Adesk::Boolean rational, 
         if (weights.length() != controlPoints.length()) return Acad::eInvalidInput;
         n.weights = weights.std();
     }
-    if (periodic) unwrap(n);
+    if (periodic) geimpl::unwrapPeriodic(n);
     if (!n.valid()) return Acad::eInvalidInput;
     n.dropUnitWeights();
     assertWriteEnabled();
